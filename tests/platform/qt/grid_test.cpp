@@ -1,0 +1,286 @@
+#include "platform/qt/demo_form.h"
+
+#include "platform/qt/grid_model.h"
+#include "platform/qt/grid_view.h"
+#include "platform/runtime/conversions.h"
+
+#include <QAbstractItemModelTester>
+#include <QApplication>
+#include <QClipboard>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QListView>
+#include <QTableView>
+
+#include <gtest/gtest.h>
+
+#include <map>
+
+namespace quillary::qt::testing {
+
+using controls::Key;
+
+class GridTest : public ::testing::Test, protected QtTest {
+protected:
+    void ShowGrid(long rows) {
+        form.FillGrid(rows);
+        form.Show();
+        QApplication::setActiveWindow(&ViewOf(form).Window());
+        Settle();
+    }
+    QTableView& Table() { return WidgetOf<QTableView>(form.tgrd_rows); }
+    GridView& View() { return dynamic_cast<GridView&>(*ViewOf(form).ViewOf(form.tgrd_rows)); }
+    std::string Cell(long row, int col) { return form.tgrd_rows.Shown(row, col); }
+    DemoForm form;
+};
+
+TEST_F(GridTest, TheModelKeepsItsPromisesWhileRowsAndColumnsChange) {
+    form.FillGrid(5);
+    GridModel model(form.tgrd_rows, nullptr);
+    const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
+    EXPECT_EQ(model.rowCount(), 5);
+    EXPECT_EQ(model.data(model.index(2, 0), Qt::DisplayRole), "row 2");
+    EXPECT_EQ(model.data(model.index(2, 2), kPictureRole), 102);
+    EXPECT_EQ(model.data(model.index(2, 3), Qt::DisplayRole), "Sheep");
+    EXPECT_EQ(model.headerData(1, Qt::Horizontal, Qt::DisplayRole), "Number");
+
+    form.tgrd_rows.AllowAddNew = true;
+    model.TakeRows();
+    EXPECT_EQ(model.rowCount(), 6);
+    form.rows->AppendRows(10);
+    form.tgrd_rows.ReBind();
+    model.TakeRows();
+    EXPECT_EQ(model.rowCount(), 16);
+    form.rows->DeleteRows(0, 12);
+    // Not taken up yet: what is gone reads empty, and nothing is out of bounds.
+    EXPECT_FALSE(model.data(model.index(15, 0), Qt::DisplayRole).isValid());
+    model.TakeRows();
+    EXPECT_EQ(model.rowCount(), 4);
+    form.tgrd_rows.RemoveColumn(0);
+    model.TakeColumns();
+    EXPECT_EQ(model.columnCount(), 3);
+    form.tgrd_rows.GoToRow(2);
+    model.TakeCurrent();
+    model.Detach();
+    EXPECT_EQ(model.rowCount(), 0);
+}
+
+TEST_F(GridTest, ColumnsAreShownAsTheGridHasThem) {
+    form.FillGrid(3);
+    form.tgrd_rows.Columns(1).Visible = false;
+    form.tgrd_rows.Columns(0).Width = 3000;
+    form.tgrd_rows.HeadLines = 3;
+    form.tgrd_rows.FetchCellStyle = [](int, int, std::int64_t bookmark, int col, controls::CellStyle& style) {
+        if (col == 3 && bookmark == 1)
+            style.backColor = 255;
+    };
+    ShowGrid(3);
+    const int oneLine = Table().horizontalHeader()->height() / 2;
+    EXPECT_TRUE(Table().isColumnHidden(1));
+    EXPECT_GT(Table().columnWidth(0), 3000 / 15 - 1);
+    form.tgrd_rows.Columns(1).Visible = true;
+    form.tgrd_rows.HeadLines = 1;
+    Settle();
+    EXPECT_FALSE(Table().isColumnHidden(1));
+    EXPECT_GT(Table().horizontalHeader()->height(), 0);
+    EXPECT_LT(Table().horizontalHeader()->height(), oneLine * 2);
+    const QAbstractItemModel& model = *Table().model();
+    EXPECT_EQ(model.data(model.index(1, 3), Qt::BackgroundRole).value<QColor>(), QColor(255, 0, 0));
+    EXPECT_FALSE(model.data(model.index(0, 3), Qt::BackgroundRole).isValid());
+}
+
+TEST_F(GridTest, GesturesGoThroughTheGrid) {
+    std::string log;
+    auto& grid = form.tgrd_rows;
+    grid.BeforeColEdit = [&](int col, int key, bool&) {
+        log += "e" + std::to_string(col) + "/" + std::to_string(key) + " ";
+    };
+    grid.AfterColUpdate = [&](int col) { log += "u" + std::to_string(col) + " "; };
+    grid.AfterUpdate = [&] { log += "row "; };
+    grid.KeyPress = [](int& keyAscii) {
+        if (keyAscii == '\'')
+            keyAscii = 0;
+    };
+    ShowGrid(4);
+    ASSERT_TRUE(hand.GoToRow(grid, 2));
+    EXPECT_EQ(grid.Row, 2);
+    ASSERT_TRUE(hand.EditCell(grid, 0, "O'Hara"));
+    EXPECT_EQ(Cell(2, 0), "OHara");
+    EXPECT_TRUE(grid.DataChanged);
+    ASSERT_TRUE(hand.EditCell(grid, 3, "Beef"));
+    EXPECT_EQ(Cell(2, 3), "Beef");
+    ASSERT_TRUE(hand.ToggleCell(grid, 2));
+    EXPECT_EQ(Cell(2, 2), "False");
+    ASSERT_TRUE(hand.EditCell(grid, 0, ""));
+    EXPECT_EQ(Cell(2, 0), "");
+    ASSERT_TRUE(hand.CommitRow(grid));
+    EXPECT_FALSE(grid.DataChanged);
+    EXPECT_EQ(grid.Row, 2);
+    EXPECT_EQ(log, "e0/79 u0 e3/0 u3 e2/32 u2 e0/0 u0 row ");
+    EXPECT_EQ(View().Editor(), nullptr);
+
+    // Going on writes the row; Escape drops first the cell, then the row.
+    ASSERT_TRUE(hand.EditCell(grid, 0, "x"));
+    ASSERT_TRUE(hand.GoToRow(grid, 1));
+    EXPECT_EQ(runtime::TextOf((*form.rows)(2, 0)), "x");
+    hand.EditCell(grid, 0, "y");
+    hand.PressKey(grid, controls::ParseKey("z"));
+    ASSERT_NE(View().Editor(), nullptr);
+    hand.PressKey(grid, controls::ParseKey("Escape"));
+    EXPECT_EQ(Cell(1, 0), "y");
+    hand.PressKey(grid, controls::ParseKey("Escape"));
+    EXPECT_EQ(Cell(1, 0), "row 1");
+    EXPECT_FALSE(grid.DataChanged);
+}
+
+TEST_F(GridTest, CellsAndRowsAreCopiedAsTheyRead) {
+    auto& grid = form.tgrd_rows;
+    ShowGrid(4);
+    grid.Columns(2).Visible = false;
+    ASSERT_TRUE(hand.GoToRow(grid, 2));
+    ASSERT_TRUE(hand.MoveToColumn(grid, 3));
+    hand.PressKey(grid, controls::ParseKey("Ctrl+C"));
+    EXPECT_EQ(QApplication::clipboard()->text().toStdString(), Cell(2, 3));
+    hand.PressKey(grid, controls::ParseKey("Ctrl+Shift+C"));
+    EXPECT_EQ(QApplication::clipboard()->text().toStdString(),
+              Cell(2, 0) + "\t" + Cell(2, 1) + "\t" + Cell(2, 3));
+    EXPECT_FALSE(grid.EditActive);
+    // A routine that takes the key for itself keeps it.
+    grid.KeyDown = [](int& keyCode, int) { keyCode = 0; };
+    QApplication::clipboard()->setText("former");
+    hand.PressKey(grid, controls::ParseKey("Ctrl+C"));
+    EXPECT_EQ(QApplication::clipboard()->text().toStdString(), "former");
+}
+
+TEST_F(GridTest, ARefusedEditShowsTheOldValueAgain) {
+    auto& grid = form.tgrd_rows;
+    int asked = 0;
+    grid.BeforeColEdit = [&](int col, int, bool& cancel) {
+        ++asked;
+        cancel = col == 1;
+    };
+    grid.BeforeColUpdate = [](int col, runtime::Variant&, bool& cancel) { cancel = col == 0; };
+    ShowGrid(2);
+    hand.EditCell(grid, 1, "123");
+    EXPECT_EQ(asked, 1) << "one refusal ends the typing";
+    EXPECT_EQ(Cell(0, 1), "0");
+    hand.EditCell(grid, 0, "new");
+    EXPECT_EQ(Cell(0, 0), "row 0");
+    EXPECT_EQ(View().Editor(), nullptr);
+    EXPECT_FALSE(grid.EditActive);
+}
+
+TEST_F(GridTest, ColumnsThatFillTheTableKeepRoomForTheirCaptions) {
+    auto& grid = form.tgrd_rows;
+    ShowGrid(2);
+    grid.Columns(0).Caption = "Goods and services registrations";
+    grid.Columns(0).Width = 100;
+    Table().setProperty("fillWidth", true);
+    const auto widthUnder = [&](int headLines) {
+        grid.HeadLines = headLines;
+        View().Flush();
+        return Table().columnWidth(0);
+    };
+    const QFontMetrics metrics = Table().horizontalHeader()->fontMetrics();
+    const int whole = metrics.horizontalAdvance(QStringLiteral("Goods and services registrations"));
+    EXPECT_GE(widthUnder(1), whole);
+    // Where it may wrap, its longest word has to fit.
+    EXPECT_LT(widthUnder(2), whole);
+    EXPECT_GE(widthUnder(2), metrics.horizontalAdvance(QStringLiteral("registrations")));
+}
+
+TEST_F(GridTest, TheEmptyRowAtTheFootTakesNewRows) {
+    auto& grid = form.tgrd_rows;
+    grid.AllowAddNew = true;
+    int inserted = 0;
+    grid.AfterInsert = [&] { ++inserted; };
+    ShowGrid(2);
+    EXPECT_EQ(Table().model()->rowCount(), 3);
+    ASSERT_TRUE(hand.GoToNewRow(grid));
+    ASSERT_TRUE(hand.EditCell(grid, 0, "third"));
+    ASSERT_TRUE(hand.EditCell(grid, 1, "33")); // a click on another cell of the row does not write it yet
+    EXPECT_EQ(inserted, 0);
+    ASSERT_TRUE(hand.CommitRow(grid));
+    EXPECT_EQ(inserted, 1);
+    EXPECT_EQ(grid.RowCount(), 3);
+    EXPECT_EQ(Table().model()->rowCount(), 4);
+    EXPECT_EQ(Table().model()->data(Table().model()->index(2, 0)), "third");
+}
+
+TEST_F(GridTest, TheEditorKeepsTheKeyboardAndLeavingTheGridWritesTheRow) {
+    auto& grid = form.tgrd_rows;
+    ShowGrid(3);
+    hand.Focus(grid);
+    hand.MoveToColumn(grid, 0);
+    SendKey(*View().FocusWidget(), controls::ParseKey("a"));
+    ASSERT_NE(View().Editor(), nullptr);
+    EXPECT_EQ(QApplication::focusWidget(), View().Editor());
+    SendKey(*View().FocusWidget(), controls::ParseKey("b"));
+    EXPECT_EQ(grid.EditText(), "ab");
+    EXPECT_TRUE(grid.HasFocus());
+    hand.Click(form.cmd_add);
+    EXPECT_FALSE(grid.HasFocus());
+    EXPECT_EQ(View().Editor(), nullptr);
+    EXPECT_EQ(runtime::TextOf((*form.rows)(0, 0)), "ab");
+}
+
+TEST_F(GridTest, TypingInAListColumnPointsAtItsEntry) {
+    auto& grid = form.tgrd_rows;
+    ShowGrid(2);
+    hand.MoveToColumn(grid, 3);
+    SendKey(*View().FocusWidget(), controls::ParseKey("B"));
+    ASSERT_TRUE(grid.EditActive);
+    QListView* list = View().DropDown();
+    ASSERT_NE(list, nullptr);
+    EXPECT_EQ(list->currentIndex().data(), "Beef");
+    SendKey(*list, {controls::kKeyReturn, 0, 13});
+    Settle();
+    EXPECT_EQ(Cell(0, 3), "Beef");
+}
+
+TEST_F(GridTest, RowsAreDraggedAndPressedTwice) {
+    auto& grid = form.tgrd_rows;
+    std::string log;
+    grid.RowDropped = [&](controls::Grid& from, long before) {
+        log += std::to_string(from.Row) + ">" + std::to_string(before) + " ";
+    };
+    ShowGrid(4);
+    Table().setMinimumHeight(400); // all rows and the space below them are seen
+    Settle();
+    ASSERT_TRUE(hand.DragRow(grid, 3, grid, 1));
+    EXPECT_EQ(log, "") << "rows stay where they are until the grid lets them be dragged";
+    grid.DragRows = true;
+    ASSERT_TRUE(hand.DragRow(grid, 3, grid, 1));
+    ASSERT_TRUE(hand.DragRow(grid, 0, grid, 4));
+    // The way of the mouse within a row is a click.
+    ASSERT_TRUE(hand.GoToRow(grid, 2));
+    EXPECT_EQ(log, "3>1 0>4 ");
+
+    // Without a routine a double click edits the cell, with one it does what the routine does.
+    ASSERT_TRUE(hand.DoubleClick(grid));
+    EXPECT_TRUE(grid.EditActive);
+    grid.CancelEdit();
+    grid.DblClick = [&] { log += "twice " + std::to_string(grid.Row); };
+    ASSERT_TRUE(hand.DoubleClick(grid));
+    EXPECT_FALSE(grid.EditActive);
+    EXPECT_EQ(log, "3>1 0>4 twice 2");
+}
+
+TEST_F(GridTest, LongGridsReadWhatIsSeenAndNoMore) {
+    constexpr long kRows = 100000;
+    std::map<std::int64_t, int> asked;
+    form.tgrd_rows.FetchCellStyle = [&](int, int, std::int64_t bookmark, int, controls::CellStyle&) {
+        ++asked[bookmark];
+    };
+    ShowGrid(kRows);
+    Table().grab();
+    EXPECT_GT(asked.size(), 0u);
+    EXPECT_LT(asked.size(), 200u) << "rows that nobody sees were drawn";
+    ASSERT_TRUE(hand.GoToRow(form.tgrd_rows, kRows - 1));
+    EXPECT_EQ(form.tgrd_rows.Row, kRows - 1);
+    EXPECT_TRUE(Table().rowAt(Table().viewport()->height() - 2) >= kRows - 2);
+    Table().grab();
+    EXPECT_LT(asked.size(), 400u);
+}
+
+} // namespace quillary::qt::testing
