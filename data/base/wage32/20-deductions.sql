@@ -1,0 +1,26 @@
+-- Deductions: percent, pay from and up to which it counts (0: no limit), highest percent.
+INSERT INTO [DeductNames] ([DeductNameID], [DeductionName], [Percentage], [LowerThreshold], [UpperThreshold], [MaxPercent], [CountryPhone], [Order]) VALUES (1, 'ACC Earners'' Levy', 1.67, 0, 152790, 0, 64, 1);
+INSERT INTO [DeductNames] ([DeductNameID], [DeductionName], [Percentage], [LowerThreshold], [UpperThreshold], [MaxPercent], [CountryPhone], [Order]) VALUES (2, 'KiwiSaver 3%', 3, 0, 0, 10, 64, 2);
+INSERT INTO [DeductNames] ([DeductNameID], [DeductionName], [Percentage], [LowerThreshold], [UpperThreshold], [MaxPercent], [CountryPhone], [Order]) VALUES (3, 'KiwiSaver 4%', 4, 0, 0, 10, 64, 3);
+INSERT INTO [DeductNames] ([DeductNameID], [DeductionName], [Percentage], [LowerThreshold], [UpperThreshold], [MaxPercent], [CountryPhone], [Order]) VALUES (4, 'KiwiSaver 8%', 8, 0, 0, 10, 64, 4);
+INSERT INTO [DeductNames] ([DeductNameID], [DeductionName], [Percentage], [LowerThreshold], [UpperThreshold], [MaxPercent], [CountryPhone], [Order]) VALUES (5, 'Student Loan', 12, 24128, 0, 12, 64, 5);
+INSERT INTO [DeductNames] ([DeductNameID], [DeductionName], [Percentage], [LowerThreshold], [UpperThreshold], [MaxPercent], [CountryPhone], [Order]) VALUES (6, 'Child Support', 0, 0, 0, 40, 64, 6);
+INSERT INTO [DeductNames] ([DeductNameID], [DeductionName], [Percentage], [LowerThreshold], [UpperThreshold], [MaxPercent], [CountryPhone], [Order]) VALUES (7, 'Payroll Giving', 0, 0, 0, 100, 64, 7);
+INSERT INTO [DeductNames] ([DeductNameID], [DeductionName], [Percentage], [LowerThreshold], [UpperThreshold], [MaxPercent], [CountryPhone], [Order]) VALUES (8, 'Medicare Levy', 2, 27222, 0, 2, 61, 1);
+INSERT INTO [DeductNames] ([DeductNameID], [DeductionName], [Percentage], [LowerThreshold], [UpperThreshold], [MaxPercent], [CountryPhone], [Order]) VALUES (9, 'HELP Repayment', 15, 67000, 0, 15, 61, 2);
+INSERT INTO [DeductNames] ([DeductNameID], [DeductionName], [Percentage], [LowerThreshold], [UpperThreshold], [MaxPercent], [CountryPhone], [Order]) VALUES (10, 'Salary Sacrifice Super', 0, 0, 30000, 0, 61, 3);
+INSERT INTO [DeductNames] ([DeductNameID], [DeductionName], [Percentage], [LowerThreshold], [UpperThreshold], [MaxPercent], [CountryPhone], [Order]) VALUES (11, 'Child Support', 0, 0, 0, 40, 61, 4);
+INSERT INTO [DeductNames] ([DeductNameID], [DeductionName], [Percentage], [LowerThreshold], [UpperThreshold], [MaxPercent], [CountryPhone], [Order]) VALUES (12, 'INSS', 7.5, 0, 1518, 14, 55, 1);
+INSERT INTO [DeductNames] ([DeductNameID], [DeductionName], [Percentage], [LowerThreshold], [UpperThreshold], [MaxPercent], [CountryPhone], [Order]) VALUES (13, 'Vale-transporte', 6, 0, 0, 6, 55, 2);
+INSERT INTO [DeductNames] ([DeductNameID], [DeductionName], [Percentage], [LowerThreshold], [UpperThreshold], [MaxPercent], [CountryPhone], [Order]) VALUES (14, 'Pensão alimentícia', 0, 0, 0, 30, 55, 3);
+INSERT INTO [DeductNames] ([DeductNameID], [DeductionName], [Percentage], [LowerThreshold], [UpperThreshold], [MaxPercent], [CountryPhone], [Order]) VALUES (15, 'Contribuição sindical', 1, 0, 0, 1, 55, 4);
+INSERT INTO [DeductNames] ([DeductNameID], [DeductionName], [Percentage], [LowerThreshold], [UpperThreshold], [MaxPercent], [CountryPhone], [Order]) VALUES (16, 'Montepío', 15, 0, 256821, 15, 598, 1);
+INSERT INTO [DeductNames] ([DeductNameID], [DeductionName], [Percentage], [LowerThreshold], [UpperThreshold], [MaxPercent], [CountryPhone], [Order]) VALUES (17, 'FONASA', 4.5, 0, 0, 8, 598, 2);
+INSERT INTO [DeductNames] ([DeductNameID], [DeductionName], [Percentage], [LowerThreshold], [UpperThreshold], [MaxPercent], [CountryPhone], [Order]) VALUES (18, 'Fondo de Reconversión Laboral', 0.1, 0, 0, 0.1, 598, 3);
+INSERT INTO [DeductNames] ([DeductNameID], [DeductionName], [Percentage], [LowerThreshold], [UpperThreshold], [MaxPercent], [CountryPhone], [Order]) VALUES (19, 'Retención judicial', 0, 0, 0, 50, 598, 4);
+INSERT INTO [DeductNames] ([DeductNameID], [DeductionName], [Percentage], [LowerThreshold], [UpperThreshold], [MaxPercent], [CountryPhone], [Order]) VALUES (20, 'House Rent', 0, 0, 0, 0, 0, 0);
+INSERT INTO [DeductNames] ([DeductNameID], [DeductionName], [Percentage], [LowerThreshold], [UpperThreshold], [MaxPercent], [CountryPhone], [Order]) VALUES (21, 'Meat', 0, 0, 0, 0, 0, 0);
+INSERT INTO [DeductNames] ([DeductNameID], [DeductionName], [Percentage], [LowerThreshold], [UpperThreshold], [MaxPercent], [CountryPhone], [Order]) VALUES (22, 'Firewood', 0, 0, 0, 0, 0, 0);
+INSERT INTO [DeductNames] ([DeductNameID], [DeductionName], [Percentage], [LowerThreshold], [UpperThreshold], [MaxPercent], [CountryPhone], [Order]) VALUES (23, 'Electricity', 0, 0, 0, 0, 0, 0);
+INSERT INTO [DeductNames] ([DeductNameID], [DeductionName], [Percentage], [LowerThreshold], [UpperThreshold], [MaxPercent], [CountryPhone], [Order]) VALUES (24, 'Advance of Wages', 0, 0, 0, 0, 0, 0);
+INSERT INTO [DeductNames] ([DeductNameID], [DeductionName], [Percentage], [LowerThreshold], [UpperThreshold], [MaxPercent], [CountryPhone], [Order]) VALUES (25, 'Social Club', 0, 0, 0, 0, 0, 0);

@@ -1,0 +1,20 @@
+-- Contributions of the employer. <Please Select> is the first entry of other modules' lists.
+INSERT INTO [ContributionNames] ([ContributionNameID], [ContributionName], [Percentage], [LowerThreshold], [UpperThreshold], [Amount], [CountryPhone]) VALUES (1, '<Please Select>', 0, 0, 0, 0, 64);
+INSERT INTO [ContributionNames] ([ContributionNameID], [ContributionName], [Percentage], [LowerThreshold], [UpperThreshold], [Amount], [CountryPhone]) VALUES (2, '<Please Select>', 0, 0, 0, 0, 61);
+INSERT INTO [ContributionNames] ([ContributionNameID], [ContributionName], [Percentage], [LowerThreshold], [UpperThreshold], [Amount], [CountryPhone]) VALUES (3, '<Please Select>', 0, 0, 0, 0, 55);
+INSERT INTO [ContributionNames] ([ContributionNameID], [ContributionName], [Percentage], [LowerThreshold], [UpperThreshold], [Amount], [CountryPhone]) VALUES (4, '<Please Select>', 0, 0, 0, 0, 598);
+INSERT INTO [ContributionNames] ([ContributionNameID], [ContributionName], [Percentage], [LowerThreshold], [UpperThreshold], [Amount], [CountryPhone]) VALUES (5, 'KiwiSaver Employer 3%', 3, 0, 0, 0, 64);
+INSERT INTO [ContributionNames] ([ContributionNameID], [ContributionName], [Percentage], [LowerThreshold], [UpperThreshold], [Amount], [CountryPhone]) VALUES (6, 'KiwiSaver Employer 4%', 4, 0, 0, 0, 64);
+INSERT INTO [ContributionNames] ([ContributionNameID], [ContributionName], [Percentage], [LowerThreshold], [UpperThreshold], [Amount], [CountryPhone]) VALUES (7, 'Complying Fund Employer', 3, 0, 0, 0, 64);
+INSERT INTO [ContributionNames] ([ContributionNameID], [ContributionName], [Percentage], [LowerThreshold], [UpperThreshold], [Amount], [CountryPhone]) VALUES (8, 'ACC Work Levy', 1.27, 0, 152790, 0, 64);
+INSERT INTO [ContributionNames] ([ContributionNameID], [ContributionName], [Percentage], [LowerThreshold], [UpperThreshold], [Amount], [CountryPhone]) VALUES (9, 'Superannuation Guarantee', 12, 0, 250000, 0, 61);
+INSERT INTO [ContributionNames] ([ContributionNameID], [ContributionName], [Percentage], [LowerThreshold], [UpperThreshold], [Amount], [CountryPhone]) VALUES (10, 'Workers Compensation', 3.5, 0, 0, 0, 61);
+INSERT INTO [ContributionNames] ([ContributionNameID], [ContributionName], [Percentage], [LowerThreshold], [UpperThreshold], [Amount], [CountryPhone]) VALUES (11, 'Payroll Tax', 4.85, 1300000, 0, 0, 61);
+INSERT INTO [ContributionNames] ([ContributionNameID], [ContributionName], [Percentage], [LowerThreshold], [UpperThreshold], [Amount], [CountryPhone]) VALUES (12, 'FGTS', 8, 0, 0, 0, 55);
+INSERT INTO [ContributionNames] ([ContributionNameID], [ContributionName], [Percentage], [LowerThreshold], [UpperThreshold], [Amount], [CountryPhone]) VALUES (13, 'INSS patronal', 20, 0, 0, 0, 55);
+INSERT INTO [ContributionNames] ([ContributionNameID], [ContributionName], [Percentage], [LowerThreshold], [UpperThreshold], [Amount], [CountryPhone]) VALUES (14, 'SENAR', 0.2, 0, 0, 0, 55);
+INSERT INTO [ContributionNames] ([ContributionNameID], [ContributionName], [Percentage], [LowerThreshold], [UpperThreshold], [Amount], [CountryPhone]) VALUES (15, 'Aporte jubilatorio patronal', 7.5, 0, 256821, 0, 598);
+INSERT INTO [ContributionNames] ([ContributionNameID], [ContributionName], [Percentage], [LowerThreshold], [UpperThreshold], [Amount], [CountryPhone]) VALUES (16, 'FONASA patronal', 5, 0, 0, 0, 598);
+INSERT INTO [ContributionNames] ([ContributionNameID], [ContributionName], [Percentage], [LowerThreshold], [UpperThreshold], [Amount], [CountryPhone]) VALUES (17, 'Fondo de Garantía', 0.025, 0, 0, 0, 598);
+INSERT INTO [ContributionNames] ([ContributionNameID], [ContributionName], [Percentage], [LowerThreshold], [UpperThreshold], [Amount], [CountryPhone]) VALUES (18, 'Medical Insurance', 0, 0, 0, 38.5, 0);
+INSERT INTO [ContributionNames] ([ContributionNameID], [ContributionName], [Percentage], [LowerThreshold], [UpperThreshold], [Amount], [CountryPhone]) VALUES (19, 'Life Insurance', 0, 0, 0, 12, 0);

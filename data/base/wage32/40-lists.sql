@@ -1,0 +1,26 @@
+-- Master lists of occupations, pay rates and allowances.
+INSERT INTO [EmployeeAwardType] ([EmployeetypeID], [Employeetype], [Unitofpay]) VALUES (1, 'Farm Manager', 'Year');
+INSERT INTO [EmployeeAwardType] ([EmployeetypeID], [Employeetype], [Unitofpay]) VALUES (2, 'Stock Manager', 'Year');
+INSERT INTO [EmployeeAwardType] ([EmployeetypeID], [Employeetype], [Unitofpay]) VALUES (3, 'Shepherd', 'Fortnight');
+INSERT INTO [EmployeeAwardType] ([EmployeetypeID], [Employeetype], [Unitofpay]) VALUES (4, 'General Hand', 'Hour');
+INSERT INTO [EmployeeAwardType] ([EmployeetypeID], [Employeetype], [Unitofpay]) VALUES (5, 'Casual Worker', 'Hour');
+INSERT INTO [EmployeeAwardType] ([EmployeetypeID], [Employeetype], [Unitofpay]) VALUES (6, 'Office Administrator', 'Hour');
+INSERT INTO [PaymentNames] ([PaymentNameID], [PayUnitname], [Calculation], [Salary]) VALUES (1, 'Ordinary Hours', 1, False);
+INSERT INTO [PaymentNames] ([PaymentNameID], [PayUnitname], [Calculation], [Salary]) VALUES (2, 'Time and a Half', 1.5, False);
+INSERT INTO [PaymentNames] ([PaymentNameID], [PayUnitname], [Calculation], [Salary]) VALUES (3, 'Double Time', 2, False);
+INSERT INTO [PaymentNames] ([PaymentNameID], [PayUnitname], [Calculation], [Salary]) VALUES (4, 'Salary', 1, True);
+INSERT INTO [PaymentNames] ([PaymentNameID], [PayUnitname], [Calculation], [Salary]) VALUES (5, 'Annual Leave', 1, False);
+INSERT INTO [PaymentNames] ([PaymentNameID], [PayUnitname], [Calculation], [Salary]) VALUES (6, 'Sick Leave', 1, False);
+INSERT INTO [PaymentNames] ([PaymentNameID], [PayUnitname], [Calculation], [Salary]) VALUES (7, 'Public Holiday', 1, False);
+INSERT INTO [PaymentNames] ([PaymentNameID], [PayUnitname], [Calculation], [Salary]) VALUES (8, 'Public Holiday Worked', 1.5, False);
+INSERT INTO [PaymentNames] ([PaymentNameID], [PayUnitname], [Calculation], [Salary]) VALUES (9, 'Bereavement Leave', 1, False);
+INSERT INTO [PaymentNames] ([PaymentNameID], [PayUnitname], [Calculation], [Salary]) VALUES (10, 'Holiday Pay 8%', 0.08, False);
+INSERT INTO [TaxAllowName] ([TaxNameID], [taxAllowancename], [taxallowrate]) VALUES (1, 'Dog Allowance', 8.5);
+INSERT INTO [TaxAllowName] ([TaxNameID], [taxAllowancename], [taxallowrate]) VALUES (2, 'Horse Allowance', 15);
+INSERT INTO [TaxAllowName] ([TaxNameID], [taxAllowancename], [taxallowrate]) VALUES (3, 'Housing Allowance', 180);
+INSERT INTO [TaxAllowName] ([TaxNameID], [taxAllowancename], [taxallowrate]) VALUES (4, 'Weekend Allowance', 45);
+INSERT INTO [TaxAllowName] ([TaxNameID], [taxAllowancename], [taxallowrate]) VALUES (5, 'First Aid Allowance', 5);
+INSERT INTO [NonTaxAllowName] ([NonTaxNameID], [NonTaxallowname], [NonTaxRate]) VALUES (1, 'Mileage', 0.95);
+INSERT INTO [NonTaxAllowName] ([NonTaxNameID], [NonTaxallowname], [NonTaxRate]) VALUES (2, 'Meal', 20);
+INSERT INTO [NonTaxAllowName] ([NonTaxNameID], [NonTaxallowname], [NonTaxRate]) VALUES (3, 'Wet Weather Gear', 4.5);
+INSERT INTO [NonTaxAllowName] ([NonTaxNameID], [NonTaxallowname], [NonTaxRate]) VALUES (4, 'Mobile Phone', 7.5);

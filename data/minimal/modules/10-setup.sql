@@ -1,0 +1,9 @@
+INSERT INTO [Setup] ([modules], [Name], [Key], [Frame], [Order]) VALUES ('ALL', 'Farm', 'F', 0, 1);
+INSERT INTO [Setup] ([modules], [Name], [Key], [Frame], [Order]) VALUES ('ALL', 'Headings', 'H', 10, 2);
+INSERT INTO [Setup] ([modules], [Name], [Key], [Frame], [Order]) VALUES ('ALL', 'Enterprises', 'E', 2, 3);
+INSERT INTO [Setup] ([modules], [Name], [Key], [Frame], [Order]) VALUES ('ALL', 'GST', 'G', 9, 4);
+INSERT INTO [Setup] ([modules], [Name], [Key], [Frame], [Order]) VALUES ('ALL', 'Planner', 'P', 4, 5);
+INSERT INTO [Setup] ([modules], [Name], [Key], [Frame], [Order]) VALUES ('ALL', 'Taxation', 'X', 5, 6);
+INSERT INTO [Setup] ([modules], [Name], [Key], [Frame], [Order]) VALUES ('ALL', 'Stock', 'S', 6, 7);
+INSERT INTO [Setup] ([modules], [Name], [Key], [Frame], [Order]) VALUES ('ALL', 'Wages', 'W', 8, 8);
+INSERT INTO [Setup] ([modules], [Name], [Key], [Frame], [Order]) VALUES ('ALL', 'About', 'A', 7, 9);
