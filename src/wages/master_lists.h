@@ -1,0 +1,26 @@
+#pragma once
+
+#include "wages/occupations.h"
+
+namespace quillary::wages {
+
+// The master tables behind the lists of the occupations (payments, allowances, the occupations themselves),
+// each edited in the suite's table editor under columns that a definition file tells.
+class MasterLists {
+public:
+    explicit MasterLists(Occupations& occupations);
+
+    // False: the definition file could not be written, and no editor was opened.
+    bool ShowPayments();
+    bool ShowTaxAllow();
+    bool ShowNonTaxAllow();
+    // Ends with the box of the occupations filled anew.
+    void ShowAwards();
+    // The master table of a list; both lists show the edits afterwards.
+    void EditMaster(int listNumber);
+
+private:
+    Occupations& occupations_;
+};
+
+} // namespace quillary::wages
