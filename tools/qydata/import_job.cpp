@@ -92,6 +92,7 @@ bool MoveToFreePlace(const ImportJob::File& file) {
 
 void ReplaceOld(const ImportJob& job, const std::vector<database::RestoredFile>& replaced) {
     std::vector<std::string> before;
+    before.reserve(replaced.size());
     for (const auto& file : replaced) {
         before.push_back(file.path);
     }
