@@ -154,12 +154,34 @@ void DatabaseFile::ExecuteStatement(std::string_view sql, int options, const Par
     if (!IsAction(*tree)) {
         Raise(3065, "Cannot execute a select query.");
     }
+    const bool failOnError = (options & kFailOnError) != 0;
+    if (failOnError && ExecuteAlone(sql, given)) {
+        return;
+    }
     WriteScope scope(connection, kErrCannotLock);
     const auto action = connection.Statements().Translate(sql);
     const std::vector<Variant> values = ValuesFor(action->parameters, given);
-    const long affected = RunAction(connection, *action, values, (options & kFailOnError) != 0);
+    const long affected = RunAction(connection, *action, values, failOnError);
     scope.Commit();
     affected_ = affected;
+}
+
+// A statement of one step is a transaction of its own. Within a greater one SQLite would copy each page
+// before it is changed, to be able to undo the one statement. False: it has to have a write scope.
+bool DatabaseFile::ExecuteAlone(std::string_view sql, const ParameterValues& given) {
+    Connection& connection = Use();
+    std::shared_ptr<const Action> action;
+    {
+        const ReadScope scope(connection);
+        action = connection.Statements().Translate(sql);
+    }
+    if (action->steps.size() != 1 || action->kind == Action::Kind::SelectInto) {
+        return false;
+    }
+    // Where another program changes a definition just now, SQLite reads the names anew.
+    affected_ = RunAction(connection, *action, ValuesFor(action->parameters, given), true);
+    connection.CountWrite();
+    return true;
 }
 
 // EXECUTE name values: the values go to the parameters in their order.

@@ -42,6 +42,7 @@ public:
 private:
     std::unique_ptr<Recordset> Open(std::shared_ptr<const OpenedQuery> query, RecordsetType type) const;
     void ExecuteSaved(const jet_sql::Execute& call, int options);
+    bool ExecuteAlone(std::string_view sql, const ParameterValues& given);
     void RequireWritable() const;
 
     std::shared_ptr<Connection> connection_;
