@@ -71,6 +71,8 @@ y');
     check("json", run("sql", "--json", db, "SELECT * FROM T ORDER BY Id;"),
           (0, '[1,"O\'Brien; \\"B\\"",-1,1234.5,0.105,"2026-03-31",null]\n'
               '[2,null,0,-0.0001,null,"2025-12-01 14:05:09","x;\\ny"]\n', ""))
+    check("no half row", run("sql", "--json", db, "SELECT Id, 2147483647 + Id FROM T"),
+          (1, "", begins("error 6: ")))
     check("table", run("sql", db, "SELECT Id, [A b], Price, Note FROM T"),
           (0, "Id  A b             Price  Note\n"
               "--  ------------  -------  -----\n"

@@ -178,11 +178,13 @@ void PrintTable(database::Recordset& rows, std::ostream& out) {
 void PrintJson(database::Recordset& rows, std::ostream& out) {
     const int count = rows.FieldCount();
     for (; !rows.EOF_(); rows.MoveNext()) {
-        out << '[';
+        // Whole before it is printed: a value that cannot be worked out must not leave half a row.
+        std::string line = "[";
         for (int i = 0; i < count; ++i) {
-            out << (i == 0 ? "" : ",") << JsonText(rows[i].Value());
+            line += i == 0 ? "" : ",";
+            line += JsonText(rows[i].Value());
         }
-        out << "]\n";
+        out << line << "]\n";
     }
 }
 
