@@ -5,6 +5,7 @@
 #include "platform/runtime/locale.h"
 #include "platform/runtime/run_time_error.h"
 
+#include <algorithm>
 #include <cmath>
 #include <ctime>
 
@@ -122,9 +123,35 @@ Interval IntervalOf(std::string_view name) {
     throw RunTimeError(kErrInvalidProcedureCall);
 }
 
-// Sundays up to a day, for counting weeks between two.
-long SundayOf(long day) {
-    return FloorDivide(day - 1, 7); // day 1 was a Sunday
+Weeks Checked(Weeks weeks) {
+    if (weeks.firstDay < 0 || weeks.firstDay > 7 || weeks.firstWeek < 0 || weeks.firstWeek > 3) {
+        throw RunTimeError(kErrInvalidProcedureCall);
+    }
+    return {std::max(weeks.firstDay, 1), std::max(weeks.firstWeek, 1)};
+}
+
+// The number of a day's week; day 1 was a Sunday.
+long WeekOf(long day, const Weeks& weeks) {
+    return FloorDivide(day - weeks.firstDay, 7);
+}
+
+long FirstWeekOf(int year, const Weeks& weeks) {
+    const long january = DayNumber(year, 1, 1);
+    const long week = WeekOf(january, weeks);
+    const long before = january - (week * 7 + weeks.firstDay); // its days in the old year
+    const bool next = (weeks.firstWeek == 2 && before > 3) || (weeks.firstWeek == 3 && before > 0);
+    return next ? week + 1 : week;
+}
+
+int WeekOfYear(long day, int year, const Weeks& weeks) {
+    const long week = WeekOf(day, weeks);
+    long first = FirstWeekOf(year, weeks);
+    if (week < first) {
+        first = FirstWeekOf(year - 1, weeks);
+    } else if (weeks.firstWeek != 1 && week >= FirstWeekOf(year + 1, weeks)) {
+        first = FirstWeekOf(year + 1, weeks);
+    }
+    return static_cast<int>(week - first) + 1;
 }
 
 Date SystemClock() {
@@ -170,8 +197,8 @@ DateParts Split(Date date) {
     return parts;
 }
 
-int Weekday(Date date) {
-    const long day = MomentOf(date).day - 1; // day 1 was a Sunday
+int Weekday(Date date, int firstDay) {
+    const long day = MomentOf(date).day - Checked({firstDay, 1}).firstDay; // day 1 was a Sunday
     return static_cast<int>(day - FloorDivide(day, 7) * 7) + 1;
 }
 
@@ -268,7 +295,7 @@ Date DateAdd(std::string_view interval, double number, Date date) {
     return FromLinear(static_cast<double>(Linear(MomentOf(date))) + number);
 }
 
-long DateDiff(std::string_view interval, Date from, Date to) {
+long DateDiff(std::string_view interval, Date from, Date to, Weeks weeks) {
     const Interval kind = IntervalOf(interval);
     const Moment a = MomentOf(from);
     const Moment b = MomentOf(to);
@@ -288,8 +315,8 @@ long DateDiff(std::string_view interval, Date from, Date to) {
         return b.day - a.day;
     case Interval::Weekday: // whole weeks
         return (b.day - a.day) / 7;
-    case Interval::Week: // Sundays passed
-        return SundayOf(b.day) - SundayOf(a.day);
+    case Interval::Week: // first days of a week passed
+        return WeekOf(b.day, Checked(weeks)) - WeekOf(a.day, Checked(weeks));
     case Interval::Hour: // hours of the clock begun since, not hours gone by; minutes the same
         return FloorDivide(Linear(b), 3600) - FloorDivide(Linear(a), 3600);
     case Interval::Minute:
@@ -300,7 +327,7 @@ long DateDiff(std::string_view interval, Date from, Date to) {
     return Linear(b) - Linear(a);
 }
 
-int DatePart(std::string_view interval, Date date) {
+int DatePart(std::string_view interval, Date date, Weeks weeks) {
     const DateParts parts = Split(date);
     const long dayOfYear = MomentOf(date).day - DayNumber(parts.year, 1, 1) + 1;
     switch (IntervalOf(interval)) {
@@ -315,9 +342,9 @@ int DatePart(std::string_view interval, Date date) {
     case Interval::Day:
         return parts.day;
     case Interval::Weekday:
-        return Weekday(date);
-    case Interval::Week: // weeks begin on Sunday, the first is that of 1 January
-        return static_cast<int>((dayOfYear - 1 + Weekday(MakeDate(parts.year, 1, 1)) - 1) / 7) + 1;
+        return Weekday(date, weeks.firstDay);
+    case Interval::Week:
+        return WeekOfYear(MomentOf(date).day, parts.year, Checked(weeks));
     case Interval::Hour:
         return parts.hour;
     case Interval::Minute:

@@ -22,8 +22,16 @@ Date MakeDate(int year, int month, int day, int hour = 0, int minute = 0, int se
 // DateSerial: months and days beyond their range carry over (month 13 is January of the next year).
 Date DateSerial(int year, int month, int day);
 DateParts Split(Date date);
-// 1 Sunday to 7 Saturday.
-int Weekday(Date date);
+// How weeks are counted: the day that they begin with, 1 Sunday to 7 Saturday, and which is a year's first:
+// that of 1 January (1), the first with four days of the year (2), or the first whole one (3). 0, the
+// system's, is the same as 1; anything else raises 5.
+struct Weeks {
+    int firstDay = 1;
+    int firstWeek = 1;
+};
+
+// 1 for the first day of the week, as a rule Sunday, to 7.
+int Weekday(Date date, int firstDay = 1);
 int DaysInMonth(int year, int month);
 
 // A date or time as a user types it under the regional settings: short and long forms, month names and
@@ -38,8 +46,8 @@ std::optional<Date> ParseIso(std::string_view text);
 
 // DateAdd and DateDiff of the old run time. interval: yyyy q m y d w ww h n s; another one raises 5.
 Date DateAdd(std::string_view interval, double number, Date date);
-long DateDiff(std::string_view interval, Date from, Date to);
-int DatePart(std::string_view interval, Date date);
+long DateDiff(std::string_view interval, Date from, Date to, Weeks weeks = {});
+int DatePart(std::string_view interval, Date date, Weeks weeks = {});
 
 // The present moment. The default clock is the system's; tests and the scenario driver set their own.
 Date Now();

@@ -264,7 +264,7 @@ std::string FormatText(const std::string& text, std::string_view picture) {
 
 } // namespace
 
-std::string Format(const Variant& value, std::string_view format) {
+std::string Format(const Variant& value, std::string_view format, Weeks weeks) {
     if (format.empty()) {
         return TextOf(value);
     }
@@ -286,7 +286,7 @@ std::string Format(const Variant& value, std::string_view format) {
     }
     case PictureKind::Date: {
         const auto date = DateOf(value);
-        return date ? FormatDatePicture(*date, format) : CStr(value);
+        return date ? FormatDatePicture(*date, format, weeks) : CStr(value);
     }
     case PictureKind::Number:
         break;

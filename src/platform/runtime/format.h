@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/runtime/dates.h"
 #include "platform/runtime/variant.h"
 
 #include <string>
@@ -14,8 +15,8 @@ namespace quillary::runtime {
 // locale) and text (@ & < > !). An empty format gives CStr. Null and Empty give "" or the fourth section.
 // Halves are rounded away from zero (a conversion rounds them to even). A text that reads as a number or
 // date is formatted as such under a number or date format, else returned as it is. Raises 6 for a number
-// beyond the dates under a date format.
-std::string Format(const Variant& value, std::string_view format = {});
+// beyond the dates under a date format. weeks: for w and ww.
+std::string Format(const Variant& value, std::string_view format = {}, Weeks weeks = {});
 
 // "Short Date" of a value that is a date (CDate): en_NZ d/MM/yyyy, the year always four digits.
 std::string ShortDate(const Variant& value);

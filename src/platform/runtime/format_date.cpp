@@ -94,8 +94,8 @@ void AppendField(std::string& text, char letter, std::size_t count, Date date, c
 // A picture of Format on its way through a date.
 class DatePicture {
 public:
-    DatePicture(Date date, std::string_view picture)
-        : date_(date), parts_(Split(date)), picture_(picture), twelve_(HasHalfDay()) {}
+    DatePicture(Date date, std::string_view picture, Weeks weeks)
+        : date_(date), parts_(Split(date)), picture_(picture), weeks_(weeks), twelve_(HasHalfDay()) {}
 
     std::string Text() {
         for (at_ = 0; at_ < picture_.size();) {
@@ -195,7 +195,7 @@ private:
             Day(count = took(6));
             return count;
         case 'w':
-            AppendNumber(text_, DatePart(count > 1 ? "ww" : "w", date_), 1);
+            AppendNumber(text_, DatePart(count > 1 ? "ww" : "w", date_, weeks_), 1);
             return took(2);
         case 'm':
             count = took(4);
@@ -264,6 +264,7 @@ private:
     Date date_;
     DateParts parts_;
     std::string_view picture_;
+    Weeks weeks_;
     bool twelve_;
     std::size_t at_ = 0;
     char lastField_ = 0;
@@ -296,8 +297,8 @@ std::string FormatPattern(Date date, std::string_view pattern) {
     return text;
 }
 
-std::string FormatDatePicture(Date date, std::string_view picture) {
-    return DatePicture(date, picture).Text();
+std::string FormatDatePicture(Date date, std::string_view picture, Weeks weeks) {
+    return DatePicture(date, picture, weeks).Text();
 }
 
 std::string GeneralDate(Date date) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/runtime/dates.h"
 #include "platform/runtime/variant.h"
 
 #include <optional>
@@ -24,7 +25,7 @@ std::string GeneralDate(Date date);
 // A date by a pattern of ICU letters and local names.
 std::string FormatPattern(Date date, std::string_view pattern);
 // A date by a picture of Format (dd mmm yyyy hh:nn:ss AM/PM ...).
-std::string FormatDatePicture(Date date, std::string_view picture);
+std::string FormatDatePicture(Date date, std::string_view picture, Weeks weeks = {});
 
 // A number (not a text) by a picture of Format (#,##0.00;(0.00);zero;null); Null takes the fourth section.
 std::string FormatNumberPicture(const Variant& number, std::string_view picture);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/database/sqlite/stored_value.h"
+#include "platform/runtime/dates.h"
 #include "platform/runtime/variant.h"
 
 #include <span>
@@ -28,6 +29,8 @@ public:
     }
     std::string_view Text(int index) const;
     runtime::Date DateAt(int index) const; // from its ISO text
+    // The first day of the week there and the first week of the year behind it, where they are given.
+    runtime::Weeks WeeksFrom(int index) const;
     // A value that stands there with its type behind it.
     Variant Value(int index) const;
     FieldType TypeAt(int index) const { return static_cast<FieldType>(Whole(index)); }

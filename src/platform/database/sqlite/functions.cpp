@@ -63,6 +63,15 @@ runtime::Date FunctionCall::DateAt(int index) const {
     return runtime::ParseIso(Text(index)).value_or(runtime::Date{});
 }
 
+runtime::Weeks FunctionCall::WeeksFrom(int index) const {
+    // What no int holds is no day and no week either.
+    const auto told = [&](int at) {
+        const long long value = Whole(at, 1);
+        return value < 0 || value > 7 ? -1 : static_cast<int>(value);
+    };
+    return {told(index), told(index + 1)};
+}
+
 Variant FunctionCall::Value(int index) const {
     return FromStored(values_[index], TypeAt(index + 1));
 }

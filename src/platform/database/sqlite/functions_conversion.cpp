@@ -123,7 +123,8 @@ void Str(const FunctionCall& call) {
 }
 
 void Format(const FunctionCall& call) {
-    call.ReturnText(runtime::Format(call.Value(0), call.Count() > 2 ? call.Text(2) : std::string_view{}));
+    call.ReturnText(runtime::Format(call.Value(0), call.Count() > 2 ? call.Text(2) : std::string_view{},
+                                    call.WeeksFrom(3)));
 }
 
 void IsNumeric(const FunctionCall& call) {

@@ -51,79 +51,22 @@ void Part(const FunctionCall& call) {
     call.ReturnWhole(runtime::Split(call.DateAt(0)).*part);
 }
 
-// The first day of the week as it is told: 1 Sunday to 7 Saturday; 0, the system's, is Sunday too.
-int FirstDay(long long told) {
-    if (told < 0 || told > 7) {
-        RaiseInvalidCall();
-    }
-    return told == 0 ? 1 : static_cast<int>(told);
-}
-
-int WeekdayFrom(Date date, int first) {
-    return (runtime::Weekday(date) - first + 7) % 7 + 1;
-}
-
 void Weekday(const FunctionCall& call) {
-    call.ReturnWhole(WeekdayFrom(call.DateAt(0), FirstDay(call.Whole(1, 1))));
+    call.ReturnWhole(runtime::Weekday(call.DateAt(0), call.WeeksFrom(1).firstDay));
 }
 
 void DateAdd(const FunctionCall& call) {
     call.Return(runtime::DateAdd(call.Text(0), call.Number(1), call.DateAt(2)));
 }
 
-Date StartOfWeek(Date date, int first) {
-    return Date{std::floor(DayOf(date).days) - (WeekdayFrom(date, first) - 1)};
-}
-
 // DateDiff(interval, from, to [, first day of the week [, first week of the year]])
 void DateDiff(const FunctionCall& call) {
-    const std::string_view interval = call.Text(0);
-    const Date from = call.DateAt(1);
-    const Date to = call.DateAt(2);
-    if (call.Count() > 3 && (interval == "ww" || interval == "WW")) {
-        const int first = FirstDay(call.Whole(3));
-        const double days = StartOfWeek(to, first).days - StartOfWeek(from, first).days;
-        return call.ReturnWhole(std::llround(days / 7));
-    }
-    call.ReturnWhole(runtime::DateDiff(interval, from, to));
-}
-
-// The week that a date lies in: week 1 holds 1 January (1), four days of the year (2), or is the first
-// full one (3).
-int WeekOfYear(Date date, int first, long long rule) {
-    const auto startOfYear = [&](int year) {
-        const Date january = runtime::MakeDate(year, 1, 1);
-        const Date start = StartOfWeek(january, first);
-        const int daysBefore = static_cast<int>(january.days - start.days); // of that week, in the old year
-        const bool next = (rule == 2 && daysBefore > 3) || (rule == 3 && daysBefore > 0);
-        return next ? start.days + 7 : start.days;
-    };
-    const int year = runtime::Split(date).year;
-    const double day = StartOfWeek(date, first).days;
-    double start = startOfYear(year);
-    if (rule != 1 && day < start) {
-        start = startOfYear(year - 1);
-    } else if (rule != 1 && year < 9999 && day >= startOfYear(year + 1)) {
-        start = startOfYear(year + 1);
-    }
-    return static_cast<int>((day - start) / 7) + 1;
+    call.ReturnWhole(runtime::DateDiff(call.Text(0), call.DateAt(1), call.DateAt(2), call.WeeksFrom(3)));
 }
 
 // DatePart(interval, date [, first day of the week [, first week of the year]])
 void DatePart(const FunctionCall& call) {
-    const std::string interval = runtime::CStr(Variant(call.Text(0)));
-    const Date date = call.DateAt(1);
-    if (call.Count() > 2 && (interval == "w" || interval == "W")) {
-        return call.ReturnWhole(WeekdayFrom(date, FirstDay(call.Whole(2))));
-    }
-    if (call.Count() > 2 && (interval == "ww" || interval == "WW")) {
-        const long long rule = call.Whole(3, 1);
-        if (rule < 0 || rule > 3) {
-            RaiseInvalidCall();
-        }
-        return call.ReturnWhole(WeekOfYear(date, FirstDay(call.Whole(2)), rule == 0 ? 1 : rule));
-    }
-    call.ReturnWhole(runtime::DatePart(interval, date));
+    call.ReturnWhole(runtime::DatePart(call.Text(0), call.DateAt(1), call.WeeksFrom(2)));
 }
 
 int Part32(long long value) {
@@ -170,9 +113,9 @@ void WeekdayName(const FunctionCall& call) {
     if (day < 1 || day > 7) {
         RaiseInvalidCall();
     }
-    const int first = FirstDay(call.Whole(2, 1));
-    // 2 January 2000 was a Sunday.
-    const Date date = runtime::MakeDate(2000, 1, 2 + (static_cast<int>(day) - 1 + first - 1) % 7);
+    const Date any = runtime::MakeDate(2000, 1, 2);
+    const auto daysOn = static_cast<int>(day) - runtime::Weekday(any, call.WeeksFrom(2).firstDay);
+    const Date date{any.days + daysOn};
     call.ReturnText(runtime::Format(date, call.Whole(1, 0) != 0 ? "ddd" : "dddd"));
 }
 
