@@ -354,7 +354,13 @@ bool IsStatement(std::string_view text) {
     Token first = lexer.Next();
     while (first.kind == TokenKind::LeftParen)
         first = lexer.Next();
-    return kStatementWords.Has(first.keyword) && lexer.Next().kind != TokenKind::End;
+    Token next = lexer.Next();
+    if (first.keyword != Keyword::Table)
+        return kStatementWords.Has(first.keyword) && next.kind != TokenKind::End;
+    // TABLE is the first word of a union alone; else it belongs to a name, as in `Table 2`.
+    while (next.kind != TokenKind::End && next.keyword != Keyword::Union)
+        next = lexer.Next();
+    return next.keyword == Keyword::Union;
 }
 
 } // namespace quillary::database::jet_sql
