@@ -345,6 +345,19 @@ std::string SelectWriter::OrderTerms() const {
     return aggregated_ ? Listed(groups_) : joins_.Order(scope_, distinctRow_);
 }
 
+// The same, and groups that are equal in it in the order of their keys: SQLite would turn them round under DESC.
+std::string SelectWriter::SortTerms() const {
+    std::string sql = OrderTerms();
+    for (std::size_t i = 0; !order_.empty() && !distinct_ && i < groups_.size(); ++i) {
+        const bool sorted = std::any_of(order_.begin(), order_.end(),
+                                        [&](const OrderTerm& term) { return term.sql == groups_[i]; });
+        if (!sorted && groups_[i] != "NULL") {
+            sql += ", " + groups_[i];
+        }
+    }
+    return sql;
+}
+
 // ----------------------------------------------------------------------------------------------- text
 
 std::string SelectWriter::Rows() const {
@@ -394,7 +407,7 @@ std::string SelectWriter::TextOf(const std::vector<std::string>& columns, bool n
         sql += " HAVING " + having_;
     }
     if (ordered || limit) {
-        if (const std::string order = OrderTerms(); !order.empty()) {
+        if (const std::string order = SortTerms(); !order.empty()) {
             sql += " ORDER BY " + order;
         }
     }
@@ -441,6 +454,11 @@ std::string SelectWriter::LimitedText(const std::vector<std::string>& columns, b
     // Without a sort there are no ties.
     rows += order_.empty() ? ", row_number() OVER (" : ", rank() OVER (";
     rows += order.empty() ? ") AS r" : "ORDER BY " + order + ") AS r";
+    std::string by = "r";
+    if (const std::string sorted = SortTerms(); !groups_.empty() && sorted != OrderTerms()) {
+        rows += ", row_number() OVER (ORDER BY " + sorted + ") AS s";
+        by = "s";
+    }
     std::string last = std::to_string(select_.top->count);
     if (select_.top->percent) {
         rows += ", count(*) OVER () AS n";
@@ -451,7 +469,7 @@ std::string SelectWriter::LimitedText(const std::vector<std::string>& columns, b
         outer.push_back("c" + std::to_string(i));
     }
     std::string sql = "SELECT " + (named ? WithNames(outer) : Listed(outer)) + " FROM (" + rows + tail +
-                      ") WHERE r <= " + last + " ORDER BY r";
+                      ") WHERE r <= " + last + " ORDER BY " + by;
     context_.CheckSize(sql);
     return sql;
 }

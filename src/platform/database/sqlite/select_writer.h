@@ -54,10 +54,10 @@ private:
     void AddOrder();
     Piece Term(const jet_sql::Expr& expr, bool& varies);
     void ApplyDistinctRow();
-    void CheckGrouped(const jet_sql::Expr& expr);
     bool OrderIsUnique() const;
 
     std::string OrderTerms() const;
+    std::string SortTerms() const;
     std::string LimitedText(const std::vector<std::string>& columns, bool named) const;
 
     struct OrderTerm {
