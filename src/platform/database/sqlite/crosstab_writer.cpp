@@ -72,7 +72,11 @@ QueryText CrosstabWriter::Write() {
         pivot_.sql = capture.alias + ".p";
     }
     DropPivotSorts();
+    writer_.Gather();
     writer_.BindColumns();
+    scope.aggregatesAllowed = true;
+    writer_.CheckGrouped(*crosstab_.value);
+    scope.aggregatesAllowed = false;
 
     QueryText text;
     std::vector<std::string> columns;

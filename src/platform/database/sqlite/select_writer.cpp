@@ -51,7 +51,7 @@ void SelectWriter::SurveyAggregates() {
     aggregated_ = !select_.groupBy.empty() || (select_.having && hasAggregate(*select_.having));
     listAggregated_ = std::any_of(select_.items.begin(), select_.items.end(),
                                   [&](const auto& item) { return item.expr && hasAggregate(*item.expr); });
-    aggregated_ = aggregated_ || listAggregated_;
+    aggregated_ = aggregated_ || listAggregated_ || gathered_;
     for (const auto& term : select_.orderBy) {
         aggregated_ = aggregated_ || hasAggregate(term.expr);
     }

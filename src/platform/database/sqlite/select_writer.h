@@ -27,6 +27,10 @@ public:
     // The two halves of it, for a crosstab: FROM and WHERE, then all the rest.
     void BindRows(bool ordered);
     void BindColumns();
+    // The rows are gathered into groups, or into one, though no aggregate in the list says so.
+    void Gather() { gathered_ = true; }
+    // Raises 3122 for a column outside of aggregates that is not grouped by.
+    void CheckGrouped(const jet_sql::Expr& expr);
     // Other rows than those of FROM and WHERE.
     void ReplaceRows(std::string rows) { rows_ = std::move(rows); }
 
@@ -76,6 +80,7 @@ private:
     std::vector<std::string> groupKeys_; // the same, as expressions in the list are written
     std::string having_;
     std::vector<OrderTerm> order_;
+    bool gathered_ = false;
     bool aggregated_ = false;
     bool listAggregated_ = false; // by its columns
     bool distinct_ = false;
