@@ -186,6 +186,10 @@ Variant ReadReal(double value, FieldType type) {
     case FieldType::Date:
         return runtime::Date{value};
     case FieldType::Double:
+        if (!std::isfinite(value)) { // SQLite multiplies on beyond the range
+            throw runtime::RunTimeError(runtime::kErrOverflow);
+        }
+        return value;
     default:
         return value;
     }

@@ -349,7 +349,9 @@ std::string AsStored(Context& context, Piece piece, const FieldDef& field) {
         return *std::move(literal);
     }
     std::string sql;
-    if (FitsAsIs(piece.type, to)) {
+    if (to == FieldType::Double && piece.type == to && piece.field < 0 && !piece.untyped) {
+        sql = Call("qy_finite", piece.sql);
+    } else if (FitsAsIs(piece.type, to)) {
         sql = std::move(piece.sql);
     } else if (to == FieldType::Boolean && IsNumber(piece.type)) {
         sql = "-(" + piece.sql + " <> 0)";

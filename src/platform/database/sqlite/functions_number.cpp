@@ -29,6 +29,10 @@ void ReturnFinite(const FunctionCall& call, double value) {
     call.ReturnNumber(value);
 }
 
+void Finite(const FunctionCall& call) {
+    ReturnFinite(call, call.Number(0));
+}
+
 void Divide(const FunctionCall& call) {
     const double divisor = call.Number(1);
     if (divisor == 0) {
@@ -197,6 +201,7 @@ void Plain(const FunctionCall& call) {
 }
 
 constexpr FunctionEntry kEntries[] = {
+    {"qy_finite", 1, Finite},
     {"qy_divide", 2, Divide},
     {"qy_quotient", 2, Quotient},
     {"qy_mod", 2, Mod},
