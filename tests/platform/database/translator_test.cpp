@@ -27,8 +27,9 @@ protected:
         database.AddTable("Lines",
                           {MakeField("Line ID", Long), MakeField("Head ID", Long), MakeField("Name", Text),
                            MakeField("Amount", Currency), MakeField("Season", Integer)});
-        database.AddTable("Kinds",
-                          {MakeField("Kind ID", Long), MakeField("Head ID", Long), MakeField("Icon", Text)});
+        FieldDef counter = MakeField("Kind ID", Long);
+        counter.counter = true;
+        database.AddTable("Kinds", {counter, MakeField("Head ID", Long), MakeField("Icon", Text)});
         database.AddTable(
             "Loose", {MakeField("Text", Text), MakeField("Number", Long), MakeField("Flag", Boolean)}, false);
         for (const char* sql : {

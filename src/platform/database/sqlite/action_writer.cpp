@@ -236,6 +236,14 @@ void UpdateWriter::WriteStagedTarget(int number) {
             values.push_back("v" + std::to_string(i));
         }
     }
+    // SQLite would number a key that nothing is assigned to.
+    for (const FieldDef& field : source.table->fields) {
+        if (IsRowIdKey(*source.table, field) && field.defaultValue.IsEmpty() &&
+            std::find(fields.begin(), fields.end(), Quote(field.name)) == fields.end()) {
+            fields.push_back(Quote(field.name));
+            values.push_back(AsAssigned(context_, NullPiece(), *source.table, field));
+        }
+    }
     step.sql = "INSERT INTO " + source.text + " (" + Listed(fields) + ") SELECT " + Listed(values) +
                " FROM " + std::string(kStage) + " WHERE " + row + " IS NULL";
     action_.steps.push_back(std::move(step));
