@@ -95,6 +95,8 @@ TEST_F(EngineTest, CatalogueOfATable) {
         EXPECT_EQ(field.defaultValue, kFields[i].defaultValue);
     }
     Run({"INSERT INTO [Farm Details] ([Farm Name]) VALUES ('x')"});
+    Run({"CREATE TABLE Keyed (ID LONG DEFAULT 5 PRIMARY KEY, x LONG)", "INSERT INTO Keyed (x) VALUES (1)"});
+    EXPECT_EQ(Rows("Keyed"), "5|1");
     EXPECT_EQ(Rows("SELECT [Limit], Started, Metric, Small, Title, Made > #1/1/2020# FROM [Farm Details]"),
               "-1.5|2008-07-01|False|3|O'B|-1");
 }

@@ -179,6 +179,7 @@ void TableBuilder::SetDefault(std::string_view name, const jet_sql::Expr* value)
     FieldDef& field = table_.def.fields[position];
     table_.defaults[position] = value == nullptr ? std::string() : DefaultText(*value, field);
     field.defaultValue = DescribedDefault(table_.defaults[position], field.type);
+    ChooseRowId();
 }
 
 void TableBuilder::Require(const std::vector<std::string>& fields) {
@@ -188,7 +189,8 @@ void TableBuilder::Require(const std::vector<std::string>& fields) {
     }
 }
 
-// A counter is the rowid, since SQLite numbers nothing else; without one, a key of one Long is.
+// A counter is the rowid, since SQLite numbers nothing else; without one, a key of one Long is, unless it
+// has a default value, which a rowid cannot have.
 void TableBuilder::ChooseRowId() {
     table_.rowIdField = -1;
     for (std::size_t i = 0; i < table_.def.fields.size(); ++i) {
@@ -200,7 +202,8 @@ void TableBuilder::ChooseRowId() {
     const IndexDef* key = table_.PrimaryKey();
     if (key != nullptr && key->fields.size() == 1) {
         const int only = FindField(table_.def, key->fields.front());
-        if (only >= 0 && table_.def.fields[static_cast<std::size_t>(only)].type == FieldType::Long) {
+        if (only >= 0 && table_.def.fields[static_cast<std::size_t>(only)].type == FieldType::Long &&
+            table_.defaults[static_cast<std::size_t>(only)].empty()) {
             table_.rowIdField = only;
         }
     }
