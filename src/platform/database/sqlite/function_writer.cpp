@@ -323,6 +323,7 @@ const std::unordered_map<std::string_view, Function>& Functions() {
         {"format", {1, 4, "vtii", Text, "qy_format"}},
         {"hex", {1, 1, "i", Text, "qy_hex"}},
         {"oct", {1, 1, "i", Text, "qy_oct"}},
+        {"partition", {4, 4, "iiii", Text, "qy_partition"}},
 
         {"abs", special(1, 1, WriteAbs)},
         {"int", special(1, 1, WriteInt)},

@@ -303,6 +303,31 @@ void Oct(const FunctionCall& call) {
     InBase(call, 8);
 }
 
+// Partition(number, start, stop, interval): the range that the number lies in, as "20:29"; both sides as
+// wide as the widest, so that the texts sort as their numbers do.
+void Partition(const FunctionCall& call) {
+    const long long number = call.Whole(0);
+    const long long start = call.Whole(1);
+    const long long stop = call.Whole(2);
+    const long long interval = call.Whole(3);
+    if (start < 0 || stop <= start || interval < 1) {
+        RaiseInvalidCall();
+    }
+    const std::size_t width = std::max(std::to_string(start - 1).size(), std::to_string(stop + 1).size());
+    const auto side = [width](const std::string& text) {
+        return std::string(width - std::min(width, text.size()), ' ') + text;
+    };
+    if (number < start) {
+        return call.ReturnText(side("") + ":" + side(std::to_string(start - 1)));
+    }
+    if (number > stop) {
+        return call.ReturnText(side(std::to_string(stop + 1)) + ":" + side(""));
+    }
+    const long long from = start + (number - start) / interval * interval;
+    call.ReturnText(side(std::to_string(from)) + ":" +
+                    side(std::to_string(std::min(from + interval - 1, stop))));
+}
+
 constexpr FunctionEntry kEntries[] = {
     {"qy_left", 2, Left},
     {"qy_right", 2, Right},
@@ -331,6 +356,7 @@ constexpr FunctionEntry kEntries[] = {
     {"qy_chrw", 1, ChrW},
     {"qy_hex", 1, Hex},
     {"qy_oct", 1, Oct},
+    {"qy_partition", 4, Partition},
 };
 
 } // namespace
