@@ -189,12 +189,35 @@ void Remove(Connection& connection, const jet_sql::Drop& statement) {
     }
 }
 
+// The names that a view gives to the columns of its query.
+void NameColumns(jet_sql::Query& query, const std::vector<std::string>& names) {
+    if (auto* parts = std::get_if<jet_sql::Union>(&query.node)) {
+        return NameColumns(*parts->parts.front().query, names);
+    }
+    auto* select = std::get_if<jet_sql::Select>(&query.node);
+    const bool listed = select != nullptr && select->items.size() == names.size() &&
+                        std::none_of(select->items.begin(), select->items.end(),
+                                     [](const jet_sql::SelectItem& item) { return item.IsStar(); });
+    if (!listed) {
+        Raise(3346, "Number of query values and destination fields are not the same: the query of the view "
+                    "has to list one column for each name.");
+    }
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        CheckName(names[i]);
+        select->items[i].alias = names[i];
+    }
+}
+
 // The text behind AS; the parameters of a procedure become a PARAMETERS clause before it.
 void Create(Connection& connection, const jet_sql::CreateQuery& statement, std::string_view sql) {
     const jet_sql::Place place = statement.bodyPlace;
     std::string text;
     if (!statement.columns.empty() || !statement.body->parameters.empty() || place.end <= place.begin) {
-        text = jet_sql::Print(*statement.body);
+        jet_sql::Statement body = *statement.body;
+        if (!statement.columns.empty()) {
+            NameColumns(std::get<jet_sql::Query>(body.node), statement.columns);
+        }
+        text = jet_sql::Print(body);
     } else {
         text = sql.substr(place.begin, place.end - place.begin);
     }

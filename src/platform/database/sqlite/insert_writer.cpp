@@ -22,6 +22,8 @@ public:
 
 private:
     void FindTarget();
+    void FindView();
+    int FieldNamed(const std::string& name) const;
     void SetFields(const std::vector<std::string>& names);
     void CheckLeftOut() const;
     std::string Stored(Piece piece, std::size_t position);
@@ -32,6 +34,7 @@ private:
     Context& context_;
     const jet_sql::Insert& insert_;
     FoundTable target_;
+    std::vector<ViewField> view_; // the fields and their names where the target is a saved query
     std::vector<const FieldDef*> fields_;
 };
 
@@ -65,16 +68,36 @@ void InsertWriter::FindTarget() {
     target_ = listed ? FindTable(context_, table.name, insert_.file->path, insert_.file->connect)
                      : FindTable(context_, table.name, table.file, {});
     if (target_.table == nullptr) {
-        if (context_.Schema().FindQuery(table.name) != nullptr) {
-            RaiseNotUpdateable();
-        }
-        RaiseUnknownTable(table.name);
+        FindView();
     }
+}
+
+// A saved query that shows fields of one table stands for the table.
+void InsertWriter::FindView() {
+    jet_sql::TableSource source{insert_.table, {}, {}};
+    Scope scope;
+    WriteFrom(context_, scope, {std::move(source)}, insert_.file, false);
+    const Source& query = scope.sources.front();
+    if (query.table == nullptr) {
+        RaiseNotUpdateable();
+    }
+    target_ = {query.table, query.schema, query.text};
+    view_ = query.view;
+}
+
+int InsertWriter::FieldNamed(const std::string& name) const {
+    if (view_.empty()) {
+        return FindField(*target_.table, name);
+    }
+    const auto found = std::find_if(view_.begin(), view_.end(), [&](const ViewField& field) {
+        return runtime::EqualName(field.name, name);
+    });
+    return found == view_.end() ? -1 : found->field;
 }
 
 void InsertWriter::SetFields(const std::vector<std::string>& names) {
     for (const std::string& name : names) {
-        const int index = FindField(*target_.table, name);
+        const int index = FieldNamed(name);
         if (index < 0) {
             Raise(3127, "The INSERT INTO statement contains the following unknown field name: '" + name +
                             "'. Make sure you have typed the name correctly, and try the operation again.");
@@ -103,7 +126,12 @@ std::string InsertWriter::Stored(Piece piece, std::size_t position) {
 std::string InsertWriter::ValuesText() {
     if (insert_.columns.empty()) {
         for (const FieldDef& field : target_.table->fields) {
-            fields_.push_back(&field);
+            if (view_.empty()) {
+                fields_.push_back(&field);
+            }
+        }
+        for (const ViewField& field : view_) {
+            fields_.push_back(&target_.table->fields[static_cast<std::size_t>(field.field)]);
         }
     }
     if (fields_.size() != insert_.values.size()) {
