@@ -401,6 +401,12 @@ TEST_F(Expressions, GrowthHasAnEnd) {
         sql += ", " + before + " & " + before + " AS a" + std::to_string(i);
     }
     EXPECT_EQ(database.Query(sql + " FROM t"), "error 3360");
+    database.AddQuery("q0", "SELECT id FROM t");
+    for (int i = 1; i < 5000; ++i) {
+        database.AddQuery("q" + std::to_string(i), "SELECT id FROM q" + std::to_string(i - 1));
+    }
+    EXPECT_EQ(database.Query("SELECT id FROM q20 WHERE id = 2"), "2");
+    EXPECT_EQ(database.Query("SELECT id FROM q4999"), "error 3360");
 }
 
 TEST_F(Expressions, LongChainsStayFlat) {

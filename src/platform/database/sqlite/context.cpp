@@ -88,6 +88,10 @@ void Context::GiveType(Piece& piece, FieldType type) {
 }
 
 Context::OpenQuery::OpenQuery(Context& context, std::string_view name) : context_(context) {
+    constexpr std::size_t kDeepest = 50; // queries on queries
+    if (context.openQueries_.size() >= kDeepest) {
+        RaiseTooComplex();
+    }
     for (const auto& open : context.openQueries_) {
         if (runtime::EqualName(open, name)) {
             Raise(3102, "Circular reference caused by '" + std::string(name) + "'.");

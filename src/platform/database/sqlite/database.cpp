@@ -2,6 +2,7 @@
 
 #include "platform/database/errors.h"
 #include "platform/database/jet_sql/parser.h"
+#include "platform/database/jet_sql/printer.h"
 #include "platform/database/sqlite/action.h"
 #include "platform/database/sqlite/ddl.h"
 #include "platform/database/sqlite/dynaset.h"
@@ -11,6 +12,8 @@
 #include "platform/database/sqlite/statement_log.h"
 #include "platform/database/sqlite/translator.h"
 #include "platform/runtime/locale.h"
+
+#include <algorithm>
 
 namespace quillary::database::sqlite {
 namespace {
@@ -184,6 +187,15 @@ bool DatabaseFile::ExecuteAlone(std::string_view sql, const ParameterValues& giv
     return true;
 }
 
+// What stands behind EXECUTE: anything that needs no table.
+Variant DatabaseFile::ValueOf(const jet_sql::Expr& argument) {
+    if (const auto* literal = argument.As<jet_sql::Literal>()) {
+        return literal->value;
+    }
+    const auto row = OpenStatement("SELECT " + jet_sql::Print(argument), RecordsetType::Snapshot, {});
+    return (*row)[0].Value();
+}
+
 // EXECUTE name values: the values go to the parameters in their order.
 void DatabaseFile::ExecuteSaved(const jet_sql::Execute& call, int options) {
     Connection& connection = Use();
@@ -199,12 +211,19 @@ void DatabaseFile::ExecuteSaved(const jet_sql::Execute& call, int options) {
     const auto tree = connection.Statements().Parse(text);
     ParameterValues given;
     for (std::size_t i = 0; i < call.args.size() && i < tree->parameters.size(); ++i) {
-        const auto* literal = call.args[i].As<jet_sql::Literal>();
-        if (literal == nullptr) {
-            Raise(kErrQueryText, "The values of an EXECUTE statement have to be literals.");
-        }
-        given.emplace_back(tree->parameters[i].name, literal->value);
+        given.emplace_back(tree->parameters[i].name, ValueOf(call.args[i]));
     }
+    constexpr std::size_t kDeepest = 50;
+    const auto runs = [&](const std::string& name) { return runtime::EqualName(name, call.name); };
+    if (executing_.size() >= kDeepest || std::any_of(executing_.begin(), executing_.end(), runs)) {
+        Raise(3102, "Circular reference caused by '" + call.name + "'.");
+    }
+    struct Running {
+        std::vector<std::string>& names;
+        ~Running() { names.pop_back(); }
+    };
+    executing_.push_back(call.name);
+    const Running running{executing_};
     ExecuteStatement(text, options, given);
 }
 

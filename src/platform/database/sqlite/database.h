@@ -43,12 +43,14 @@ private:
     std::unique_ptr<Recordset> Open(std::shared_ptr<const OpenedQuery> query, RecordsetType type) const;
     void ExecuteSaved(const jet_sql::Execute& call, int options);
     bool ExecuteAlone(std::string_view sql, const ParameterValues& given);
+    Variant ValueOf(const jet_sql::Expr& argument);
     void RequireWritable() const;
 
     std::shared_ptr<Connection> connection_;
     std::string name_;
     bool readOnly_;
     long affected_ = 0;
+    std::vector<std::string> executing_; // saved queries that run one another
     std::shared_ptr<const Catalogue> shown_; // holds what TableDefs has handed out
 };
 
