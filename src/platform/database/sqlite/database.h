@@ -50,7 +50,7 @@ private:
     std::string name_;
     bool readOnly_;
     long affected_ = 0;
-    std::vector<std::string> executing_; // saved queries that run one another
+    std::vector<std::string> executing_;     // saved queries that run one another
     std::shared_ptr<const Catalogue> shown_; // holds what TableDefs has handed out
 };
 

@@ -345,7 +345,8 @@ std::string SelectWriter::OrderTerms() const {
     return aggregated_ ? Listed(groups_) : joins_.Order(scope_, distinctRow_);
 }
 
-// The same, and groups that are equal in it in the order of their keys: SQLite would turn them round under DESC.
+// The same, and groups that are equal in it in the order of their keys: SQLite would turn them round under
+// DESC.
 std::string SelectWriter::SortTerms() const {
     std::string sql = OrderTerms();
     for (std::size_t i = 0; !order_.empty() && !distinct_ && i < groups_.size(); ++i) {
