@@ -446,6 +446,35 @@ void CheckAggregate(const Scope& scope, const Call& call) {
     }
 }
 
+// What an aggregate gathers. SQLite would hand an aggregate over columns of an enclosing query alone to that
+// query, whose rows would become one; here it belongs where it stands.
+Piece Gathered(ExpressionWriter& writer, const Expr& expr) {
+    Scope& scope = writer.GetScope();
+    std::vector<bool> used;
+    for (Source& source : scope.sources) {
+        used.push_back(source.used);
+        source.used = false;
+    }
+    Piece piece = writer.Value(expr);
+    bool own = scope.outer == nullptr || piece.literal.has_value();
+    for (std::size_t i = 0; i < used.size(); ++i) {
+        own = own || scope.sources[i].used;
+        scope.sources[i].used = scope.sources[i].used || used[i];
+    }
+    if (own) {
+        return piece;
+    }
+    if (scope.sources.empty()) {
+        Raise(3067, "Query input must contain at least one table or query.");
+    }
+    const Source& source = scope.sources.front();
+    const std::string any = source.table != nullptr ? source.FieldText(0) : source.alias + ".c0";
+    Piece gathered = Computed("coalesce(" + piece.sql + ", nullif(" + any + ", " + any + "))", piece.type);
+    gathered.size = piece.size;
+    gathered.untyped = piece.untyped;
+    return gathered;
+}
+
 Piece AggregateOf(ExpressionWriter& writer, std::string_view name, const Call& call) {
     Context& context = writer.GetContext();
     const Scope& scope = writer.GetScope();
@@ -453,7 +482,7 @@ Piece AggregateOf(ExpressionWriter& writer, std::string_view name, const Call& c
     if (call.star) {
         return Computed(filtered("count(*)"), FieldType::Long, false);
     }
-    Piece piece = writer.Value(call.args.front());
+    Piece piece = Gathered(writer, call.args.front());
     if (name == "count") {
         return Computed(filtered(Apply("count", {piece.sql})), FieldType::Long, false);
     }

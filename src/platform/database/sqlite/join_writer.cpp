@@ -28,6 +28,10 @@ struct Fragment {
     }
 };
 
+bool Contains(const std::vector<int>& list, int value) {
+    return std::find(list.begin(), list.end(), value) != list.end();
+}
+
 template <class T>
 void Append(std::vector<T>& to, std::vector<T>& from) {
     to.insert(to.end(), std::make_move_iterator(from.begin()), std::make_move_iterator(from.end()));
@@ -52,7 +56,7 @@ private:
 
     Fragment Inner(Fragment left, Fragment right, const jet_sql::Expr& on);
     Fragment Outer(Fragment kept, Fragment other, const jet_sql::Expr& on);
-    JoinCondition On(const jet_sql::Expr& on);
+    JoinCondition On(const jet_sql::Expr& on, const Fragment& left, const Fragment& right);
     void NoteEqualities(const jet_sql::Expr& on);
 
     Context& context_;
@@ -230,9 +234,16 @@ Fragment FromWriter::Write(const TableSource& source) {
     return fragment;
 }
 
-JoinCondition FromWriter::On(const jet_sql::Expr& on) {
+JoinCondition FromWriter::On(const jet_sql::Expr& on, const Fragment& left, const Fragment& right) {
     NoteEqualities(on);
-    return WriteCondition(context_, scope_, on, Mismatch::Join);
+    JoinCondition condition = WriteCondition(context_, scope_, on, Mismatch::Join);
+    const bool own = std::all_of(condition.sources.begin(), condition.sources.end(), [&](int source) {
+        return Contains(left.sources, source) || Contains(right.sources, source);
+    });
+    if (!own) {
+        Raise(3296, "Join expression not supported.");
+    }
+    return condition;
 }
 
 void FromWriter::NoteEqualities(const jet_sql::Expr& on) {
@@ -258,12 +269,8 @@ void FromWriter::NoteEqualities(const jet_sql::Expr& on) {
     }
 }
 
-bool Contains(const std::vector<int>& list, int value) {
-    return std::find(list.begin(), list.end(), value) != list.end();
-}
-
 Fragment FromWriter::Inner(Fragment left, Fragment right, const jet_sql::Expr& on) {
-    JoinCondition condition = On(on);
+    JoinCondition condition = On(on, left, right);
     if (right.sources.size() > 1) {
         // Entered through the table that the condition names, if it is one.
         const auto entry = [&](int source) { return Contains(condition.sources, source); };
@@ -290,7 +297,7 @@ Fragment FromWriter::Outer(Fragment kept, Fragment other, const jet_sql::Expr& o
     for (const int source : other.sources) {
         scope_.sources[static_cast<std::size_t>(source)].nullSide = true;
     }
-    JoinCondition condition = On(on);
+    JoinCondition condition = On(on, kept, other);
     // Where the other side is itself a chain of outer joins, and this condition looks at its first table
     // alone, the chain goes on from here; what misses the first table misses the rest.
     const auto usesFirstOnly = [&] {
