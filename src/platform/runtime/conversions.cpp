@@ -213,12 +213,15 @@ Currency CCur(const Variant& value) {
         Checked(status, 0);
         return result;
     }
-    const double scaled = RoundHalfEven(CDbl(value) * 10000.0);
+    // Whole part and fraction by themselves: their product with 10,000 together has more digits than a double.
+    const double number = CDbl(value);
     constexpr double kLimit = 9223372036854775808.0;
-    if (!(scaled >= -kLimit && scaled < kLimit)) {
+    if (!(number * 10000.0 >= -kLimit && number * 10000.0 < kLimit)) {
         Raise(kErrOverflow);
     }
-    result.scaled = static_cast<std::int64_t>(scaled);
+    const double whole = std::trunc(number);
+    result.scaled = static_cast<std::int64_t>(whole) * 10000 +
+                    static_cast<std::int64_t>(RoundHalfEven((number - whole) * 10000.0));
     return result;
 }
 

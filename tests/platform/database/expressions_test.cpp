@@ -262,6 +262,7 @@ TEST_F(Expressions, NumberFunctions) {
         {"CInt('abc')", "error 13"},
         {"CByte(256)", "error 6"},
         {"CCur(1.23455)", "1.2346"},
+        {"CCur(-922337203685000.5)", "-922337203685000.5"},
         {"CSng(0.1) * 3", "0.3"},
         {"CBool(5)", "-1"},
         {"CDbl('1.5')", "1.5"},
