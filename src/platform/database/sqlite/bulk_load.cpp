@@ -258,16 +258,14 @@ public:
     bool AddIndex(std::string_view table, const LoadIndex& index) {
         TableInfo& info = Require(table);
         CheckName(index.def.name);
-        std::string sql = std::string(index.def.unique ? "CREATE UNIQUE INDEX " : "CREATE INDEX ") +
-                          Quote(IndexName(info.def.name, index.def.name)) + " ON " + Quote(info.def.name) +
-                          " (";
         IndexDef made = index.def;
-        for (std::size_t i = 0; i < made.fields.size(); ++i) {
-            made.fields[i] = RequireField(info, made.fields[i]).name;
-            const bool falls = i < index.descending.size() && index.descending[i];
-            sql += (i == 0 ? "" : ", ") + Quote(made.fields[i]) + (falls ? " DESC" : "");
+        for (std::string& field : made.fields) {
+            field = RequireField(info, field).name;
         }
-        const int result = sqlite3_exec(handle_.get(), (sql + ")").c_str(), nullptr, nullptr, nullptr);
+        const std::string sql = std::string(made.unique ? "CREATE UNIQUE INDEX " : "CREATE INDEX ") +
+                                Quote(IndexName(info.def.name, made.name)) + " ON " + Quote(info.def.name) +
+                                " (" + IndexTerms(made.fields, index.descending) + ")";
+        const int result = sqlite3_exec(handle_.get(), sql.c_str(), nullptr, nullptr, nullptr);
         if ((result & 0xff) == SQLITE_CONSTRAINT) {
             return false;
         }

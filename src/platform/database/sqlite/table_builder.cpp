@@ -301,11 +301,11 @@ void TableBuilder::AddIndex(const jet_sql::CreateIndex& index) {
         AddPrimaryKey(index.name, names);
         return;
     }
-    std::string terms;
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        terms += (i == 0 ? "" : ", ") + Quote(names[i]) + (index.columns[i].descending ? " DESC" : "");
+    std::vector<bool> descending;
+    for (const auto& column : index.columns) {
+        descending.push_back(column.descending);
     }
-    AddIndexText(index.name, terms, index.unique, names);
+    AddIndexText(index.name, IndexTerms(names, descending), index.unique, names);
     if (index.disallowNull) {
         Require(names);
     }

@@ -509,6 +509,15 @@ std::string IndexName(std::string_view table, std::string_view index) {
     return std::string(table) + "." + std::string(index);
 }
 
+std::string IndexTerms(const std::vector<std::string>& fields, const std::vector<bool>& descending) {
+    const auto falls = [&](std::size_t i) { return i < descending.size() && descending[i]; };
+    std::string terms;
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        terms += (i == 0 ? "" : ", ") + Quote(fields[i]) + (falls(i) != falls(0) ? " DESC" : "");
+    }
+    return terms;
+}
+
 std::optional<TableInfo> ReadTableText(std::string_view sql) {
     return TableReader(sql).Read();
 }

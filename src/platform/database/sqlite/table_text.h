@@ -58,6 +58,10 @@ std::string TableText(const TableInfo& table, std::string_view name);
 std::string FieldText(const TableInfo& table, std::size_t field);
 
 std::string IndexName(std::string_view table, std::string_view index);
+// "a", "b" DESC: the terms of an index; descending by field, those left out rise. The first field always
+// rises, and where it should fall all are turned round, which is the same index from its other end: SQLite's
+// NOT IN does not see the Nulls of an index whose first field falls.
+std::string IndexTerms(const std::vector<std::string>& fields, const std::vector<bool>& descending);
 
 // nullopt for what is no table of rows with rowids (a virtual table, WITHOUT ROWID).
 std::optional<TableInfo> ReadTableText(std::string_view sql);
