@@ -15,7 +15,7 @@ constexpr std::size_t kMostPages = 4;
 constexpr std::size_t kPageRows = 512;
 constexpr std::size_t kFirstPageRows = 16;
 // A page is read as one stretch of addresses when at most so many rows lie there for each that is wanted.
-constexpr std::int64_t kSparse = 4;
+constexpr std::uint64_t kSparse = 4;
 
 int IndexOf(sqlite3_stmt* statement, std::size_t key) {
     return sqlite3_bind_parameter_index(statement, (":k" + std::to_string(key + 1)).c_str());
@@ -142,13 +142,18 @@ bool Keyset::IsRange(const Page& page) const {
         return false;
     }
     const std::int64_t* keys = &keys_[page.first];
-    const std::int64_t limit = kSparse * static_cast<std::int64_t>(page.count);
+    if (keys[0] == kNoRow) {
+        return false;
+    }
+    const std::uint64_t limit = kSparse * page.count;
     for (std::size_t i = 1; i < page.count; ++i) {
-        if (keys[i] <= keys[i - 1] || keys[i] - keys[0] > limit) {
+        // Keys may lie further apart than a signed number holds.
+        const auto distance = static_cast<std::uint64_t>(keys[i]) - static_cast<std::uint64_t>(keys[0]);
+        if (keys[i] <= keys[i - 1] || distance > limit) {
             return false;
         }
     }
-    return keys[0] != kNoRow;
+    return true;
 }
 
 void Keyset::FillByRange(Page& page) {
