@@ -213,7 +213,8 @@ Currency CCur(const Variant& value) {
         Checked(status, 0);
         return result;
     }
-    // Whole part and fraction by themselves: their product with 10,000 together has more digits than a double.
+    // Whole part and fraction by themselves: their product with 10,000 together has more digits than a
+    // double.
     const double number = CDbl(value);
     constexpr double kLimit = 9223372036854775808.0;
     if (!(number * 10000.0 >= -kLimit && number * 10000.0 < kLimit)) {
