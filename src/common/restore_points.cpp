@@ -202,8 +202,9 @@ void DropOldRestorePoints(const fs::path& points, std::string_view made) {
     }
 }
 
-std::vector<fs::path> CopiedDatabases(const RestorePoint& point, const std::vector<fs::path>& databases) {
-    std::vector<fs::path> copied;
+std::vector<database::RestoredFile> CopiedDatabases(const RestorePoint& point,
+                                                    const std::vector<fs::path>& databases) {
+    std::vector<database::RestoredFile> copied;
     for (const fs::path& copy : point.files) {
         const auto found = std::find_if(databases.begin(), databases.end(), [&](const fs::path& path) {
             return runtime::EqualName(path.filename().string(), copy.filename().string());
@@ -213,17 +214,9 @@ std::vector<fs::path> CopiedDatabases(const RestorePoint& point, const std::vect
                                "The installation has no database called " + copy.filename().string() +
                                    "; nothing was brought back.");
         }
-        copied.push_back(*found);
+        copied.push_back({found->string(), copy.string()});
     }
     return copied;
-}
-
-void BringBack(const RestorePoint& point, const std::vector<fs::path>& copied, const fs::path& before) {
-    std::vector<database::RestoredFile> files;
-    for (std::size_t i = 0; i < point.files.size(); ++i) {
-        files.push_back({copied.at(i).string(), point.files[i].string()});
-    }
-    ReplaceDatabases(files, before);
 }
 
 void ReplaceDatabases(const std::vector<database::RestoredFile>& files, const fs::path& before) {

@@ -39,17 +39,15 @@ std::vector<RestorePoint> ListRestorePoints(const std::filesystem::path& points)
 // where a clock that was once set ahead makes it look the oldest.
 void DropOldRestorePoints(const std::filesystem::path& points, std::string_view made);
 
-// The databases that the point's files are copies of, by their names, in the order of the files. 53 when
-// one has no counterpart.
-std::vector<std::filesystem::path> CopiedDatabases(const RestorePoint& point,
-                                                   const std::vector<std::filesystem::path>& databases);
-// Puts the point's files in place of those databases, as ReplaceDatabases does.
-void BringBack(const RestorePoint& point, const std::vector<std::filesystem::path>& copied,
-               const std::filesystem::path& before = {});
+// The point's files, each with the database that it is a copy of, by their names. 53 when one has no
+// counterpart.
+std::vector<database::RestoredFile> CopiedDatabases(const RestorePoint& point,
+                                                    const std::vector<std::filesystem::path>& databases);
 
 // Puts copies in place of databases: all or, where one is in use (3045), none. before: the point just made of
 // what the databases hold, if any. It goes again where nothing has been changed; where it came to an end half
 // way (a full disk) it stays, and the error's text names it.
-void ReplaceDatabases(const std::vector<database::RestoredFile>& files, const std::filesystem::path& before);
+void ReplaceDatabases(const std::vector<database::RestoredFile>& files,
+                      const std::filesystem::path& before = {});
 
 } // namespace quillary::common

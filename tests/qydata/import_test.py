@@ -11,6 +11,7 @@ import json
 import os
 import pathlib
 import re
+import shutil
 import signal
 import sqlite3
 import subprocess
@@ -32,6 +33,9 @@ def fault(text):
 
 def run(*words):
     done = subprocess.run([PROGRAM, *map(str, words)], stdin=subprocess.DEVNULL, capture_output=True, text=True)
+    for left in os.listdir(tempfile.gettempdir()):
+        fault(f"qydata {words[0]} has left {left} among the temporary files")
+        shutil.rmtree(os.path.join(tempfile.gettempdir(), left))
     return done.returncode, done.stdout, done.stderr
 
 
@@ -54,7 +58,10 @@ def wrong_words(folder):
     plain = folder / "plain.mdb"
     plain.write_text("Standard Jet DB " * 400)
     expect("no database", run("import", plain, "--into", folder / "new"), 1, err="^error 3343: .*plain.mdb")
-    if (folder / "new").exists():
+    (folder / "Quillary").write_text("no folder")
+    expect("no folder", run("import", "Wage32.mdb", "Modules.mdb", "--into", folder, "--edition", "farm"), 1, err="^error 75: ")
+    (folder / "Quillary").unlink()
+    if (folder / "new").exists() or (folder / "data").exists():
         fault("an import that failed has left its folder behind")
 
 
@@ -217,7 +224,7 @@ def whole_installation(suite, folder):
     held = sqlite3.connect(farm / "data/Farm32.mdb")
     held.execute("BEGIN")
     held.execute("SELECT count(*) FROM sqlite_master").fetchone()
-    expect("in use", run("import", *files, "--into", farm, "--replace"), 1, err="^error 3045: ")
+    expect("in use", run("import", *files, "--into", farm, "--replace"), 1, err="^error 3045: .* Close all programs")
     held.close()
     left = [path.name for path in (farm / "data").glob("*.part*")]
     if left or (farm / "data/Farm32.mdb").read_bytes() != before:
@@ -257,6 +264,24 @@ def places(suite, folder):
     expect("into its place", run("import", suite / "Wage32.mdb", "--into", single, "--replace"), 0)
     if (single / "data/Wage32.mdb").read_bytes() == before or (single / "Wage32.mdb").exists():
         fault("a database for an installation is not in its place")
+    # And where its settings say that it does.
+    (folder / "elsewhere").mkdir()
+    ini = single / "Quillary/Common/Quillary.ini"
+    ini.write_text(re.sub("(?m)^WageFileName=.*", f"WageFileName={folder}/elsewhere/Wages.mdb", ini.read_text()))
+    (single / "data/Wage32.mdb").unlink()
+    expect("where the settings say", run("import", suite / "Wage32.mdb", "--into", single), 0)
+    if not (folder / "elsewhere/Wages.mdb").exists() or (single / "data/Wage32.mdb").exists():
+        fault("a database is not where the settings look for it")
+    # A plain folder has restore points of its own; what is no database is not replaced.
+    plain = folder / "plain"
+    run("import", suite / "Wage32.mdb", "--into", plain)
+    expect("a plain folder again", run("import", suite / "Wage32.mdb", "--into", plain, "--replace"), 0, out="kept what was there")
+    expect("its restore point", run("restore", plain, "1"), 0, out="brought back .*plain/Wage32.mdb")
+    (folder / "other").mkdir()
+    (folder / "other/Wage32.mdb").write_text("no database")
+    expect("no database", run("import", suite / "Wage32.mdb", "--into", folder / "other", "--replace"), 1, err="^error 3343: .* move it elsewhere")
+    if os.listdir(folder / "other") != ["Wage32.mdb"]:
+        fault(f"an import that failed has left {os.listdir(folder / 'other')}")
     # The databases are safe when the rest of the installation cannot be made.
     partial = folder / "partial"
     (partial / "Quillary").mkdir(parents=True)
@@ -264,27 +289,44 @@ def places(suite, folder):
     expect("no program folder", run("import", *files, "--into", partial), 3, out="the installation is not whole yet")
 
 
-def killed(big, folder):
-    for moment in (0.02, 0.1, 0.25):
-        target = folder / f"killed{moment}"
-        running = subprocess.Popen([PROGRAM, "import", big, "--into", target], stdout=subprocess.DEVNULL,
-                                   stderr=subprocess.DEVNULL, start_new_session=True)
-        time.sleep(moment)
-        ended = running.poll() is not None
-        os.kill(running.pid, signal.SIGKILL)
-        running.wait()
-        for _ in range(100):  # the reading process ends by itself
-            left = [path.name for path in target.glob("*")] if target.exists() else []
-            if not left:
-                break
-            time.sleep(0.05)
-        if left and not (ended or left == [big.name]):
-            fault(f"killed after {moment} s, it left {left}")
+def long_numbers(farm, folder):
+    """A decimal of more digits than a double has is told as lost."""
+    jet = JetFile(farm)
+    table = jet.tables()["Paddocks"]
+    place, column = next((i, column) for i, column in enumerate(table["columns"]) if column.kind == NUMERIC)
+    data = farm.read_bytes()
+    numbers = [int(decimal.Decimal(repr(row[place])).scaleb(column.scale)) for row in jet.rows(table) if row[place]]
+    stored = next(each for each in (bytes(13) + number.to_bytes(4, "little") for number in numbers) if data.count(each) == 1)
+    long = folder / "long" / farm.name
+    long.parent.mkdir()
+    long.write_bytes(data.replace(stored, b"\0\1\2\3\4\5\6\7" + stored[8:]))
+    expect("long numbers", run("import", long, "--into", folder / "long" / "new"), 3,
+           out=f"field {column.name}: 1 numbers have more digits")
+
+
+def killed(sources, folder):
+    for end in (signal.SIGKILL, signal.SIGTERM):
+        for moment in (0.02, 0.1, 0.25):
+            target = folder / f"killed {end} {moment}"
+            running = subprocess.Popen([PROGRAM, "import", *sources, "--into", target / "new"], stdout=subprocess.DEVNULL,
+                                       stderr=subprocess.DEVNULL, start_new_session=True)
+            time.sleep(moment)
+            os.kill(running.pid, end)
+            if running.wait() in (0, 3):
+                continue  # it was done before
+            for _ in range(100):  # the reading process ends by itself
+                if not target.exists():
+                    break
+                time.sleep(0.05)
+            else:
+                fault(f"ended by {end} after {moment} s, it left {list(target.rglob('*'))}")
 
 
 def main():
     with tempfile.TemporaryDirectory() as temp:
         folder = pathlib.Path(temp).resolve()
+        (folder / "temporary").mkdir()
+        tempfile.tempdir = os.environ["TMPDIR"] = str(folder / "temporary")
         wrong_words(folder)
         source, files = folder_of_files(os.environ, ROOT)
         if files:
@@ -292,11 +334,12 @@ def main():
         if (source / "suite" / "Farm32.mdb") in files:
             whole_installation(source / "suite", folder)
             places(source / "suite", folder)
+            long_numbers(source / "suite" / "Farm32.mdb", folder)
         if (source / "charset_gbk_jet3.mdb") in files:
             code_pages(source / "charset_gbk_jet3.mdb", folder)
         big = source / "big_200000_rows_jet4.mdb"
         if big in files:
-            killed(big, folder)
+            killed([big, *source.glob("suite/*.mdb")], folder)
     print("\n".join(faults))
     if not files and not faults:
         print(f"skipped: no files of the old engine in {source}")

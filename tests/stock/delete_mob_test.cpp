@@ -100,7 +100,7 @@ TEST_F(DeleteMobTest, TheRestorePointHoldsBothFilesFromBeforeTheFirstStatement) 
     const auto points = common::ListRestorePoints(Points());
     ASSERT_EQ(points.size(), 1U);
     EXPECT_EQ(points[0].folder.filename(), "2008-08-15 14.05.09 Deleting Ewes");
-    common::BringBack(points[0], common::CopiedDatabases(points[0], {farm_, diary_}));
+    common::ReplaceDatabases(common::CopiedDatabases(points[0], {farm_, diary_}));
     EXPECT_EQ(State(), "Ewes 1 1");
     EXPECT_TRUE(reports_->reports.empty());
 }

@@ -1,12 +1,11 @@
 #include "import_job.h"
 #include "import_progress.h"
+#include "replacing.h"
 
 #include "common/restore_points.h"
-#include "config/installation.h"
 #include "jet_import/importer.h"
 #include "jet_import/jet_reader.h"
 #include "platform/database/bulk_load.h"
-#include "platform/database/restore.h"
 #include "platform/runtime/run_time_error.h"
 
 #include <cerrno>
@@ -29,6 +28,7 @@ namespace {
 
 constexpr int kErrFileExists = 3204;
 constexpr int kErrPathAccess = 75;
+constexpr const char* kUnchanged = "Nothing has been changed.";
 
 ImportReport ImportFile(const ImportJob::File& file, int codePage) {
     const std::string name = file.source.filename().string();
@@ -41,10 +41,8 @@ ImportReport ImportFile(const ImportJob::File& file, int codePage) {
                                       progress.Show(table, rows, total);
                                   });
     } catch (const RunTimeError& error) {
-        throw RunTimeError(error.Number(), error.Source(),
-                           file.source.string() + ": " + error.Description() +
-                               (error.Description().ends_with(".") ? "" : ".") +
-                               " Nothing has been changed.");
+        throw WithAdvice({error.Number(), error.Source(), file.source.string() + ": " + error.Description()},
+                         kUnchanged);
     }
 }
 
@@ -91,23 +89,10 @@ bool MoveToFreePlace(const ImportJob::File& file) {
 }
 
 void ReplaceOld(const ImportJob& job, const std::vector<database::RestoredFile>& replaced) {
-    std::vector<std::string> before;
-    before.reserve(replaced.size());
-    for (const auto& file : replaced) {
-        before.push_back(file.path);
-    }
-    const fs::path common = job.installation ? config::DocumentsLayout(job.into).common : job.into;
-    const fs::path points = common::RestorePointFolder(common);
-    const std::string point = common::CreateRestorePoint(points, "Before an import", before);
-    std::error_code none;
-    try {
-        common::ReplaceDatabases(replaced, points / point);
-    } catch (const RunTimeError&) {
-        fs::remove(points, none); // empty where it was made for this
-        throw;
-    }
+    const fs::path points = common::RestorePointFolder(job.installation ? job.layout.common : job.into);
+    const std::string point = ReplaceAndKeep(points, "Before an import", replaced);
     std::cout << "kept what was there: " << (points / point).string() << "\n";
-    common::DropOldRestorePoints(points, point);
+    std::error_code none;
     for (const auto& file : replaced) {
         fs::remove(file.copy, none);
     }
@@ -182,8 +167,12 @@ int RunImport(const ImportJob& job) {
         reports.push_back(ImportFile(file, job.codePage));
     }
     std::vector<std::string> completed;
-    if (job.installation) {
-        CompleteDatabases(job, completed);
+    try {
+        if (job.installation) {
+            CompleteDatabases(job, completed);
+        }
+    } catch (const RunTimeError& error) {
+        throw WithAdvice(error, kUnchanged);
     }
     std::vector<std::string> notes, losses;
     // From here on an end from outside comes too late: all files are put in place, and what goes with them.
@@ -194,8 +183,9 @@ int RunImport(const ImportJob& job) {
             CompleteFolders(job, completed);
         } catch (const RunTimeError& error) {
             losses.push_back("the databases are in place, but the installation is not whole yet: " +
-                             error.Description() + (error.Description().ends_with(".") ? "" : ".") +
-                             " When that is mended, run the same command again with --replace.");
+                             WithAdvice(error, "When that is mended, run the same command again with "
+                                               "--replace.")
+                                 .Description());
         }
     }
     for (std::size_t i = 0; i < job.files.size(); ++i) {

@@ -1,9 +1,8 @@
 #include "commands.h"
+#include "replacing.h"
 
 #include "common/restore_points.h"
 #include "config/installation_check.h"
-#include "platform/database/errors.h"
-#include "platform/runtime/run_time_error.h"
 
 #include <filesystem>
 #include <iostream>
@@ -39,42 +38,39 @@ const RestorePoint* Find(const std::vector<RestorePoint>& points, const std::str
     return nullptr;
 }
 
-int Restore(const config::InstallationFiles& files, const RestorePoint& point) {
-    const std::vector<fs::path> copied =
-        common::CopiedDatabases(point, {files.farm, files.diary, files.wages, files.modules});
-    std::vector<std::string> replaced;
-    replaced.reserve(copied.size());
-    for (const fs::path& path : copied) {
-        replaced.push_back(path.string());
+// What a folder's points are of: the databases of an installation, or those that were imported into a plain
+// folder.
+struct Place {
+    fs::path points;
+    std::vector<fs::path> databases;
+};
+
+Place PlaceOf(const fs::path& folder) {
+    const config::InstallationFiles files = config::FilesOfInstallation(folder);
+    Place place{common::RestorePointFolder(files.ini.parent_path()),
+                {files.farm, files.diary, files.wages, files.modules}};
+    const fs::path own = common::RestorePointFolder(fs::absolute(folder).lexically_normal());
+    if (fs::exists(place.points) || !fs::exists(own)) {
+        return place;
     }
-    const fs::path points = point.folder.parent_path();
-    std::string before;
-    try {
-        before = common::CreateRestorePoint(points, "Before bringing back", replaced);
-    } catch (const runtime::RunTimeError& error) {
-        throw runtime::RunTimeError(error.Number(), error.Source(),
-                                    error.Description() +
-                                        " Nothing has been changed. If the file is damaged, "
-                                        "move it elsewhere and try again.");
-    }
-    try {
-        common::BringBack(point, copied, before.empty() ? fs::path() : points / before);
-    } catch (const runtime::RunTimeError& error) {
-        if (error.Number() != database::kErrFileInUse) {
-            throw;
+    place = {own, {}};
+    for (const RestorePoint& point : common::ListRestorePoints(own)) {
+        for (const fs::path& file : point.files) {
+            place.databases.push_back(own.parent_path() / file.filename());
         }
-        throw runtime::RunTimeError(
-            error.Number(), error.Source(),
-            error.Description() +
-                " Close all programs of the suite and try again; nothing has been changed.");
     }
-    for (const std::string& path : replaced) {
-        std::cout << "brought back " << path << "\n";
+    return place;
+}
+
+int Restore(const Place& place, const RestorePoint& point) {
+    const auto files = common::CopiedDatabases(point, place.databases);
+    const std::string before = ReplaceAndKeep(place.points, "Before bringing back", files);
+    for (const auto& file : files) {
+        std::cout << "brought back " << file.path << "\n";
     }
     if (!before.empty()) {
         std::cout << "what it held before: " << before << "\n";
     }
-    common::DropOldRestorePoints(points, before);
     return 0;
 }
 
@@ -92,22 +88,26 @@ int RestoreCommand(const Words& words) {
     if (words.size() > 2) {
         return WrongUse("more than one restore point given; put quotes around its name");
     }
-    const config::InstallationFiles files = config::FilesOfInstallation(words[0]);
-    const fs::path folder = common::RestorePointFolder(files.ini.parent_path());
-    const std::vector<RestorePoint> points = common::ListRestorePoints(folder);
+    if (!fs::is_directory(words[0])) {
+        std::cerr << "qydata: there is no folder '" << words[0] << "'\n";
+        return 1;
+    }
+    const Place place = PlaceOf(words[0]);
+    const std::vector<RestorePoint> points = common::ListRestorePoints(place.points);
     if (words.size() == 1) {
         Print(points);
         if (points.empty()) {
-            std::cout << "no restore points in " << folder.string() << "\n";
+            std::cout << "no restore points in " << place.points.string() << "\n";
         }
         return 0;
     }
     const RestorePoint* point = Find(points, words[1]);
     if (point == nullptr) {
-        std::cerr << "qydata: no restore point '" << words[1] << "' in " << folder.string() << "\n";
+        std::cerr << "qydata: no restore point '" << words[1] << "' in " << place.points.string()
+                  << "; without its name the command lists them\n";
         return 1;
     }
-    return Restore(files, *point);
+    return Restore(place, *point);
 }
 
 } // namespace quillary::tools
