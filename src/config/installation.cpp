@@ -2,6 +2,7 @@
 
 #include "config/data_loader.h"
 #include "config/database_templates.h"
+#include "config/installation_check.h"
 #include "config/installation_settings.h"
 #include "config/suite_files.h"
 #include "platform/database/engine.h"
@@ -13,6 +14,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
+#include <functional>
 
 namespace quillary::config {
 
@@ -36,31 +38,52 @@ void MakeFolder(const fs::path& folder) {
     Check(error, folder);
 }
 
-// Copies under another name first, so that the database appears whole or not at all.
-void CopyDatabase(const fs::path& from, const fs::path& to, const InstallationOptions& options, bool shared) {
-    const fs::path part = to.string() + ".part";
+// Makes a file under another name first, so that it appears whole or not at all.
+void MakeWhole(const fs::path& path, const std::function<void(const fs::path& part)>& make) {
+    const fs::path part = path.string() + ".part";
     std::error_code error;
-    fs::copy_file(from, part, fs::copy_options::overwrite_existing, error);
-    Check(error, part);
-    if (shared) {
-        const auto engine = database::CreateSqliteEngine();
-        const auto database = engine->OpenDatabase(part.string());
-        RunScript(*database, "UPDATE [Catalogue] SET [ProgramPath] = '{path}';",
-                  {{"path", options.layout.program.string()}});
-        database->Close();
-        engine->ReleaseIdle();
+    try {
+        make(part);
+        fs::rename(part, path, error);
+        Check(error, path);
+    } catch (...) {
+        for (const char* ending : {"", "-wal", "-shm"}) {
+            fs::remove(part.string() + ending, error);
+        }
+        throw;
     }
-    fs::rename(part, to, error);
-    Check(error, to);
+}
+
+void CopyDatabase(const fs::path& from, const fs::path& to, const InstallationOptions& options, bool shared) {
+    MakeWhole(to, [&](const fs::path& part) {
+        std::error_code error, none;
+        fs::copy_file(from, part, fs::copy_options::overwrite_existing, error);
+        // The copying itself tells a full disk as a fault of the disk.
+        if (error == std::errc::io_error &&
+            fs::space(part.parent_path(), none).available < fs::file_size(from)) {
+            error = std::make_error_code(std::errc::no_space_on_device);
+        }
+        Check(error, part);
+        if (shared) {
+            const auto engine = database::CreateSqliteEngine();
+            const auto database = engine->OpenDatabase(part.string());
+            RunScript(*database, "UPDATE [Catalogue] SET [ProgramPath] = '{path}';",
+                      {{"path", options.layout.program.string()}});
+            database->Close();
+            engine->ReleaseIdle();
+        }
+    });
 }
 
 void WriteIni(const fs::path& path, const InstallationOptions& options) {
-    std::ofstream file(path, std::ios::binary);
-    file << IniText(options);
-    file.close();
-    if (!file) {
-        throw RunTimeError(kErrPathAccess, "", "Path/File access error: " + path.string());
-    }
+    MakeWhole(path, [&](const fs::path& part) {
+        std::ofstream file(part, std::ios::binary);
+        file << IniText(options);
+        file.close();
+        if (!file) {
+            throw RunTimeError(kErrPathAccess, "", "Path/File access error: " + path.string());
+        }
+    });
 }
 
 // Pictures and help pages: not the user's, so newer ones take the place of older ones.
@@ -137,8 +160,11 @@ InstallationReport MakeInstallation(const InstallationOptions& given) {
     InstallationReport report;
     MakeFolder(options.layout.common);
     MakeFolder(options.layout.data);
-    for (const DatabaseFile& file : InstallationDatabases()) {
-        const fs::path path = (file.shared ? options.layout.common : options.layout.data) / file.name;
+    const InstallationFiles places = PlacesFor(options.layout);
+    const fs::path paths[] = {places.modules, places.farm, places.wages, places.diary};
+    for (std::size_t i = 0; i < std::size(paths); ++i) {
+        const DatabaseFile& file = InstallationDatabases()[i];
+        const fs::path& path = paths[i];
         if (fs::exists(path)) {
             report.kept.push_back(path);
             continue;

@@ -141,22 +141,50 @@ InstallationLayout LayoutOf(const fs::path& folder) {
     return fs::is_directory(scenario.common, none) ? scenario : DocumentsLayout(folder);
 }
 
+// As the ini file tells; where it does not, at the usual places.
+InstallationFiles FilesOf(const InstallationLayout& layout) {
+    InstallationFiles found = UsualFiles(layout);
+    const auto read = [&](std::string_view key) {
+        return system::ReadProfileString("QUILLARY", key, "", found.ini.string());
+    };
+    const std::string data = read("DataRoot");
+    if (!data.empty()) {
+        found = UsualFiles({layout.common, system::ToNative(data), layout.program});
+    }
+    const auto take = [&](std::string_view key, fs::path& file) {
+        if (const std::string value = read(key); !value.empty()) {
+            file = system::ToNative(value);
+        }
+    };
+    take("ModuleFileName", found.modules);
+    take("DataFileName", found.farm);
+    take("WageFileName", found.wages);
+    take("DiaryFileName", found.diary);
+    return found;
+}
+
 } // namespace
 
 InstallationFiles FilesOfInstallation(const fs::path& folder) {
-    const InstallationLayout layout = LayoutOf(fs::absolute(folder).lexically_normal());
-    InstallationFiles found;
-    found.ini = layout.common / files::kSuiteIni;
-    const auto pathOf = [&](std::string_view key, const fs::path& otherwise) {
-        const std::string value = system::ReadProfileString("QUILLARY", key, "", found.ini.string());
-        return value.empty() ? otherwise : fs::path(system::ToNative(value));
-    };
-    const fs::path data = pathOf("DataRoot", layout.data);
-    found.modules = pathOf("ModuleFileName", layout.common / files::kModuleData);
-    found.farm = pathOf("DataFileName", data / files::kFarmData);
-    found.wages = pathOf("WageFileName", data / files::kWageData);
-    found.diary = pathOf("DiaryFileName", data / files::kDiaryData);
-    return found;
+    return FilesOf(LayoutOf(fs::absolute(folder).lexically_normal()));
+}
+
+InstallationFiles UsualFiles(const InstallationLayout& layout) {
+    return {layout.common / files::kSuiteIni, layout.common / files::kModuleData,
+            layout.data / files::kFarmData, layout.data / files::kWageData, layout.data / files::kDiaryData};
+}
+
+InstallationFiles PlacesFor(const InstallationLayout& layout) {
+    InstallationFiles places = UsualFiles(layout);
+    const InstallationFiles told = FilesOf(layout);
+    std::error_code none;
+    for (fs::path InstallationFiles::*file : {&InstallationFiles::modules, &InstallationFiles::farm,
+                                              &InstallationFiles::wages, &InstallationFiles::diary}) {
+        if ((told.*file).is_absolute() && fs::is_directory((told.*file).parent_path(), none)) {
+            places.*file = told.*file;
+        }
+    }
+    return places;
 }
 
 std::vector<FileCheck> CheckInstallation(const fs::path& folder) {

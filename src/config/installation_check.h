@@ -1,5 +1,7 @@
 #pragma once
 
+#include "config/installation.h"
+
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -12,6 +14,11 @@ struct InstallationFiles {
     std::filesystem::path modules, farm, wages, diary;
 };
 InstallationFiles FilesOfInstallation(const std::filesystem::path& folder);
+// By a new ini file.
+InstallationFiles UsualFiles(const InstallationLayout& layout);
+// Where files that are to be made belong: as the ini file tells where there is one and its folders exist,
+// else at the usual places.
+InstallationFiles PlacesFor(const InstallationLayout& layout);
 
 struct FileCheck {
     std::filesystem::path file;

@@ -2,7 +2,7 @@
 #include "editions.h"
 #include "import_job.h"
 
-#include "config/installation.h"
+#include "config/installation_check.h"
 #include "config/suite_files.h"
 #include "platform/database/errors.h"
 #include "platform/runtime/locale.h"
@@ -12,7 +12,7 @@
 #include <cerrno>
 #include <charconv>
 #include <csignal>
-#include <iostream>
+#include <utility>
 
 #include <unistd.h>
 
@@ -104,24 +104,30 @@ void SetTargets(ImportJob& job) {
     const auto main = std::find_if(job.files.begin(), job.files.end(), [](const ImportJob::File& file) {
         return IsNamed(file, config::files::kFarmData);
     });
-    const config::InstallationLayout layout = config::DocumentsLayout(job.into);
+    job.layout = config::DocumentsLayout(job.into);
     std::error_code none;
     job.installation = main != job.files.end() || job.edition || job.country || !job.ini.empty() ||
-                       fs::exists(layout.common / config::files::kSuiteIni, none);
+                       fs::exists(job.layout.common / config::files::kSuiteIni, none);
     if (job.ini.empty() && main != job.files.end()) {
         job.ini = IniBeside(main->source);
     }
+    // The settings of the other machine, where they take the place of those that are here, name the usual
+    // places.
+    const config::InstallationFiles places =
+        job.replace && !job.ini.empty() ? config::UsualFiles(job.layout) : config::PlacesFor(job.layout);
+    const std::pair<std::string_view, const fs::path&> known[] = {
+        {config::files::kFarmData, places.farm},
+        {config::files::kWageData, places.wages},
+        {config::files::kDiaryData, places.diary},
+        {config::files::kModuleData, places.modules},
+    };
     for (auto& file : job.files) {
-        fs::path folder = job.installation ? layout.data : job.into;
-        fs::path name = file.source.filename();
-        if (job.installation) {
-            for (const std::string_view known : {config::files::kFarmData, config::files::kWageData,
-                                                 config::files::kDiaryData, config::files::kModuleData}) {
-                name = IsNamed(file, known) ? fs::path(known) : name;
+        file.target = (job.installation ? job.layout.data : job.into) / file.source.filename();
+        for (const auto& [name, place] : known) {
+            if (job.installation && IsNamed(file, name)) {
+                file.target = place;
             }
-            folder = name == config::files::kModuleData ? layout.common : folder;
         }
-        file.target = folder / name;
         file.part = file.target.string() + "." + std::to_string(getpid()) + std::string(kPartEnding);
     }
 }

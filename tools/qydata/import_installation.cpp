@@ -1,6 +1,5 @@
 #include "import_job.h"
 
-#include "config/installation.h"
 #include "config/installation_check.h"
 #include "config/installation_completion.h"
 #include "config/suite_files.h"
@@ -26,7 +25,7 @@ std::int32_t CountryTold(const fs::path& ini) {
 
 config::InstallationOptions OptionsOf(const ImportJob& job) {
     config::InstallationOptions options;
-    options.layout = config::DocumentsLayout(job.into);
+    options.layout = job.layout;
     options.moduleNumber = job.edition.value_or(config::kFarmEdition);
     const fs::path there = options.layout.common / config::files::kSuiteIni;
     const bool settled = job.ini.empty() && fs::exists(there);
@@ -61,7 +60,7 @@ void CompleteSettings(const ImportJob& job, const config::InstallationLayout& la
 void CompleteDatabases(const ImportJob& job, std::vector<std::string>& added) {
     const config::InstallationOptions options = OptionsOf(job);
     for (const auto& file : job.files) {
-        const auto done = config::CompleteDatabase(file.part, file.target.filename().string(), options,
+        const auto done = config::CompleteDatabase(file.part, file.source.filename().string(), options,
                                                    job.edition.has_value());
         added.insert(added.end(), done.begin(), done.end());
     }

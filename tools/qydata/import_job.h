@@ -1,5 +1,7 @@
 #pragma once
 
+#include "config/installation.h"
+
 #include <csignal>
 #include <cstdint>
 #include <filesystem>
@@ -19,7 +21,8 @@ struct ImportJob {
     std::vector<File> files;
     std::filesystem::path into;
     std::filesystem::path ini; // a settings file to take over, "" none
-    bool installation = false; // the folder becomes a whole installation
+    bool installation = false; // the folder becomes, or is, a whole installation
+    config::InstallationLayout layout;
     bool replace = false;
     int codePage = 0; // of the oldest files' text; 0: as they say
     std::optional<std::int32_t> edition, country;

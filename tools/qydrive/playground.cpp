@@ -101,12 +101,15 @@ void Playground::CopyInstallation() {
     fs::create_directories(layout.data);
     config::InstallationOptions options;
     options.layout = layout;
-    for (const fs::path& file : {files.modules, files.farm, files.wages, files.diary}) {
+    const config::InstallationFiles copies = config::UsualFiles(layout);
+    for (const auto& [file, copy] : {std::pair{files.modules, copies.modules},
+                                     {files.farm, copies.farm},
+                                     {files.wages, copies.wages},
+                                     {files.diary, copies.diary}}) {
         if (!fs::exists(file))
             continue;
-        const fs::path to = (file == files.modules ? layout.common : layout.data) / file.filename();
-        config::DbEngine().BackupDatabase(file.string(), to.string());
-        config::CompleteDatabase(to, file.filename().string(), options, false);
+        config::DbEngine().BackupDatabase(file.string(), copy.string());
+        config::CompleteDatabase(copy, copy.filename().string(), options, false);
     }
     config::TakeOverSettings(files.ini, layout);
     config::MakeInstallation(options);
