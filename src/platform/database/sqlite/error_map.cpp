@@ -6,8 +6,11 @@
 #include "platform/runtime/run_time_error.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <filesystem>
 #include <iterator>
 #include <sqlite3.h>
+#include <system_error>
 
 namespace quillary::database::sqlite {
 namespace {
@@ -86,6 +89,14 @@ std::string Behind(std::string_view message, std::string_view mark) {
     }
 }
 
+// The log's index is told as a fault of the disk where there is no room for it.
+bool IsDiskFull(std::string_view file) {
+    constexpr std::uintmax_t kRoomOfAnIndex = 32768;
+    std::error_code unknown;
+    const auto space = std::filesystem::space(std::filesystem::path(file).parent_path(), unknown);
+    return !unknown && space.available < kRoomOfAnIndex;
+}
+
 struct TextNumber {
     std::string_view mark;
     int number;
@@ -144,6 +155,9 @@ void RaiseSqliteError(int code, std::string_view message, std::string_view file,
     case SQLITE_FULL:
         Raise(kErrDiskFull, "Not enough space on the disk for " + named + ".");
     case SQLITE_IOERR:
+        if (IsDiskFull(file)) {
+            Raise(kErrDiskFull, "Not enough space on the disk for " + named + ".");
+        }
         Raise(kErrDiskOrNetwork, "Disk or network error in " + named + ".");
     case SQLITE_NOMEM:
     case SQLITE_TOOBIG:

@@ -1,6 +1,7 @@
 #include "platform/database/integrity.h"
 
 #include "platform/database/errors.h"
+#include "platform/database/sqlite/file_check.h"
 #include "platform/database/sqlite/functions.h"
 #include "platform/runtime/run_time_error.h"
 
@@ -46,7 +47,10 @@ void EachRow(sqlite3* connection, const char* sql, const std::function<void(sqli
 std::vector<std::string> CheckIntegrity(std::string_view path) {
     const std::string file(path);
     sqlite3* opened = nullptr;
-    const int result = sqlite3_open_v2(file.c_str(), &opened, SQLITE_OPEN_READONLY, nullptr);
+    // Where nobody can write there is no log: the file is read as it lies.
+    const bool atRest = !sqlite::IsWritable(file, sqlite::LookAtFile(file)) && !sqlite::HasLog(file);
+    const int result = sqlite3_open_v2(sqlite::FileUri(file, atRest ? "immutable=1" : "mode=ro").c_str(),
+                                       &opened, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, nullptr);
     const std::unique_ptr<sqlite3, Closer> connection(opened);
     if (result != SQLITE_OK) {
         throw runtime::RunTimeError(kErrCannotOpenFile, "", "Cannot open " + file);
