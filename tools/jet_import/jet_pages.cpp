@@ -203,15 +203,14 @@ std::string JetPages::LongValue(Bytes field) {
     const std::uint32_t mark = Number(field, 0, 4);
     const std::size_t length = mark & kLengthMask;
     if ((mark & kInline) != 0) {
-        return std::string(Part(field, kLongHeader, std::min(length, field.size() - kLongHeader)));
+        return std::string(Part(field, kLongHeader, length));
     }
     std::uint32_t address = Number(field, 4, 4);
     if (length > static_cast<std::uint64_t>(count_) * layout_.pageSize) {
         RaiseDamaged("the file is damaged: a long value is longer than the file");
     }
     if ((mark & kOnePiece) != 0) {
-        const Bytes row = Row(address);
-        return std::string(row.substr(0, length));
+        return std::string(Part(Row(address), 0, length));
     }
     std::string value;
     value.reserve(length);

@@ -61,7 +61,8 @@ public:
     virtual std::vector<JetTable> Tables() = 0;
     virtual std::vector<JetRelation> Relations() = 0;
     virtual std::vector<JetQuery> Queries() = 0;
-    // Things of the file that no method gives, in words: linked tables, parts that cannot be read.
+    // Things of the file that no method gives, in words: linked tables, parts that cannot be read, and after
+    // the rows have been read numbers that have been rounded.
     virtual std::vector<std::string> Losses() = 0;
     // What whoever reads the copy should know, though nothing is lost; after the rows have been read.
     virtual std::vector<std::string> Notes() { return {}; }

@@ -33,8 +33,12 @@ std::string GuidText(Bytes bytes) {
     return text + "}";
 }
 
-// A sign, and four words with the highest first.
-double DecimalValue(Bytes bytes, int scale) {
+// Digits that a double keeps whatever they are.
+constexpr std::size_t kSureDigits = 15;
+constexpr std::int64_t kMostSure = 1LL << 53;
+
+// A sign, and four words with the highest first. sure: no digit is lost.
+double DecimalValue(Bytes bytes, int scale, bool& sure) {
     const Bytes number = Part(bytes, 0, 17);
     std::array<std::uint64_t, 4> words{};
     for (std::size_t word = 0; word < words.size(); ++word) {
@@ -50,6 +54,7 @@ double DecimalValue(Bytes bytes, int scale) {
         }
         digits.insert(digits.begin(), static_cast<char>('0' + rest));
     }
+    sure = digits.empty() || digits.find_last_not_of('0') < kSureDigits;
     // The text with its point, so that the result is the double nearest to it.
     const std::string text = (digits.empty() ? "0" : digits) + "e-" + std::to_string(scale);
     double result = 0;
@@ -64,7 +69,8 @@ bool IsLong(JetType type) {
 } // namespace
 
 JetRows::JetRows(JetPages& pages, const JetText& text, const Definition& table)
-    : pages_(pages), text_(text), table_(table), texts_(table.fields.size()), values_(table.fields.size()) {}
+    : pages_(pages), text_(text), table_(table), texts_(table.fields.size()), values_(table.fields.size()),
+      rounded_(table.fields.size()) {}
 
 void JetRows::ReadAll(const std::function<void(std::span<const database::LoadValue>)>& take) {
     const bool hasLong = std::any_of(table_.fields.begin(), table_.fields.end(),
@@ -236,12 +242,18 @@ void JetRows::Decode(const StoredField& field, Bytes bytes, std::size_t position
     case JetType::Date:
         real(std::bit_cast<double>(LongNumber(bytes)));
         break;
-    case JetType::BigInteger:
-        real(static_cast<double>(static_cast<std::int64_t>(LongNumber(bytes))));
+    case JetType::BigInteger: {
+        const auto number = static_cast<std::int64_t>(LongNumber(bytes));
+        rounded_[position] += number > kMostSure || number < -kMostSure ? 1 : 0;
+        real(static_cast<double>(number));
         break;
-    case JetType::Decimal:
-        real(DecimalValue(bytes, field.scale));
+    }
+    case JetType::Decimal: {
+        bool sure = true;
+        real(DecimalValue(bytes, field.scale, sure));
+        rounded_[position] += sure ? 0 : 1;
         break;
+    }
     case JetType::Guid:
         text = GuidText(bytes);
         told(Kind::Text);

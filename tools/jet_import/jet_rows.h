@@ -3,6 +3,7 @@
 #include "jet_import/jet_definition.h"
 #include "platform/database/bulk_load.h"
 
+#include <cstdint>
 #include <functional>
 #include <span>
 #include <string>
@@ -18,6 +19,9 @@ public:
     // Every row in the order of the pages, the values in the order of the fields, valid until `take` is
     // done. A page or row that cannot be read raises 3343.
     void ReadAll(const std::function<void(std::span<const database::LoadValue>)>& take);
+
+    // By field: numbers with more digits than a double surely keeps.
+    const std::vector<std::int64_t>& Rounded() const { return rounded_; }
 
 private:
     void ReadRow(Bytes row);
@@ -39,6 +43,7 @@ private:
     std::string row_; // long values are on other pages, which take the place of the row's own
     std::vector<std::string> texts_;
     std::vector<database::LoadValue> values_;
+    std::vector<std::int64_t> rounded_;
 };
 
 } // namespace quillary::jet_import

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <map>
 #include <optional>
+#include <set>
 
 namespace quillary::jet_import {
 
@@ -243,6 +244,7 @@ public:
             }
         }
         result.insert(result.end(), faults_.begin(), faults_.end());
+        result.insert(result.end(), rounded_.begin(), rounded_.end());
         return result;
     }
 
@@ -262,7 +264,15 @@ public:
         if (found == definitions_.end()) {
             RaiseDamaged("table " + table.name + " is not in the file");
         }
-        JetRows(pages_, text_, found->second).ReadAll(take);
+        JetRows rows(pages_, text_, found->second);
+        rows.ReadAll(take);
+        for (std::size_t i = 0; i < rows.Rounded().size(); ++i) {
+            if (rows.Rounded()[i] > 0) {
+                rounded_.insert("table " + table.name + ": field " + found->second.fields[i].name + ": " +
+                                std::to_string(rows.Rounded()[i]) +
+                                " numbers have more digits than a double keeps");
+            }
+        }
     }
 
 private:
@@ -388,6 +398,7 @@ private:
     std::vector<Object> objects_;
     std::map<std::string, Definition> definitions_;
     std::vector<std::string> faults_;
+    std::set<std::string> rounded_; // a table may be read more than once
 };
 
 } // namespace
