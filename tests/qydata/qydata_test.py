@@ -48,7 +48,8 @@ def wrong_use():
                          (("new", "--full", "a"), "unknown option '--full'"), (("sql",), "no database given"),
                          (("sql", "--xml", "a"), "unknown option '--xml'"),
                          (("sql", "a", "SELECT", "1"), "more than one statement given; put quotes around it"),
-                         (("check",), "no folder given"), (("check", "-v", "a"), "unknown option '-v'"),
+                         (("sql", "-x"), "unknown option '-x'"),
+                         (("check",), "no folder given"), (("check", ""), "no folder given"), (("check", "-v", "a"), "unknown option '-v'"),
                          (("restore",), "no folder given"), (("restore", "--all", "a"), "unknown option '--all'"),
                          (("restore", "a", "2026-01-01", "09.30.00"), "more than one restore point given; put quotes around its name")]:
         check(f"{usage} {words}", run(*words), (2, "", begins(f"qydata: {fault}\nUsage:\n")))
@@ -79,6 +80,10 @@ y');
               ' 1  O\'Brien; "B"   1234.5  \n'
               " 2                -0.0001  x;\\ny\n", ""))
     check("no rows", run("sql", "--json", db, "SELECT * FROM T WHERE Id > 9"), (0, "", ""))
+    run("sql", db, "CREATE TABLE Pictures (Logo LONGBINARY)")
+    with contextlib.closing(sqlite3.connect(db)) as other, other:
+        other.execute("INSERT INTO Pictures VALUES (?)", (b"\xff\x00\\",))
+    check("bytes", run("sql", "--json", db, " Pictures "), (0, '["FF005C"]\n', ""))
     check("a table by its name", run("sql", "--json", db, text="T;"), (0, lambda t: t.count("\n") == 2, ""))
     check("broken text", run("sql", db, "SELECT 'x FROM T"), (1, "", begins("error 3075: ")))
     check("unknown table", run("sql", db, "SELECT * FROM Nowhere"), (1, "", begins("error 3078: ")))
@@ -129,6 +134,7 @@ def restoring(folder):
     mobs = lambda: [run("sql", "--json", path, f"SELECT Count(*) FROM [{table}]")[1].strip()
                     for path, table in zip(databases, ("AnimalMultipleList", "Stock Class Names"))]
     held = lambda: sorted(point.name for point in backup.iterdir())
+    check("no folder", run("restore", folder / "nowhere"), (1, "", begins("qydata: there is no folder ")))
     check("no points", run("restore", farm), (0, f"no restore points in {backup}\n", ""))
 
     first, second = "2026-03-01 09.30.00 Deleting Ewes", "2026-03-01 09.30.00-02 Deleting Rams"

@@ -13,7 +13,7 @@ int CheckCommand(const Words& words) {
         }
     }
     if (words.size() != 1 || words[0].empty()) {
-        return WrongUse(words.empty() ? "no folder given" : "more than one folder given");
+        return WrongUse(words.size() > 1 ? "more than one folder given" : "no folder given");
     }
     bool whole = true;
     for (const auto& check : config::CheckInstallation(words[0])) {

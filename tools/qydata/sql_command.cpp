@@ -4,6 +4,7 @@
 #include "config/globals.h"
 #include "platform/database/engine.h"
 #include "platform/database/sql_script.h"
+#include "platform/runtime/locale.h"
 #include "platform/runtime/run_time_error.h"
 #include "platform/system/paths.h"
 
@@ -60,10 +61,11 @@ public:
     }
 
     void Prompt() {
+        std::cout << "A statement ends with \";\". The word exit, or Ctrl+D, ends this.\n";
         std::string pending, line;
         while (std::cout << (pending.empty() ? "quillary> " : "     ...> ") << std::flush,
                std::getline(std::cin, line)) {
-            if (pending.empty() && (line == "quit" || line == "exit")) {
+            if (pending.empty() && (line == "quit" || line == "exit" || line == "exit;")) {
                 return;
             }
             pending += line + "\n";
@@ -94,7 +96,7 @@ int SqlCommand(const Words& words) {
             json = true;
         } else if (word == "--create") {
             create = true;
-        } else if (word.starts_with("--")) {
+        } else if (word.starts_with("-") && word.find(' ') == std::string::npos) {
             return WrongUse("unknown option '" + word + "'");
         } else {
             given.push_back(word);
@@ -111,7 +113,7 @@ int SqlCommand(const Words& words) {
                                                                   : engine.OpenDatabase(given[0]);
     Shell shell(*database, json);
     if (given.size() == 2) {
-        return shell.Run(given[1]) ? 0 : 1;
+        return shell.Run(std::string(runtime::Trim(given[1]))) ? 0 : 1;
     }
     if (::isatty(STDIN_FILENO) != 0) {
         shell.Prompt();

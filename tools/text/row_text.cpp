@@ -20,6 +20,22 @@ namespace {
 
 constexpr std::size_t kRowsMeasured = 1000; // the widths of a table's columns follow from its first rows
 
+// The value of a field as it is printed: bytes that are no text in hexadecimal digits.
+Variant Printed(const database::Field& field) {
+    Variant value = field.Value();
+    const bool bytes = field.Type() == FieldType::Binary || field.Type() == FieldType::LongBinary;
+    if (!bytes || value.Type() != VarType::String) {
+        return value;
+    }
+    static constexpr char kDigits[] = "0123456789ABCDEF";
+    std::string text;
+    for (const char c : value.Get<std::string>()) {
+        text += kDigits[static_cast<unsigned char>(c) >> 4];
+        text += kDigits[static_cast<unsigned char>(c) & 15];
+    }
+    return Variant(std::move(text));
+}
+
 bool IsNumber(FieldType type) {
     switch (type) {
     case FieldType::Date:
@@ -144,7 +160,7 @@ void PrintTable(database::Recordset& rows, std::ostream& out) {
         std::vector<std::string> row;
         row.reserve(static_cast<std::size_t>(count));
         for (int i = 0; i < count; ++i) {
-            row.push_back(CellText(rows[i].Value()));
+            row.push_back(CellText(Printed(rows[i])));
         }
         rows.MoveNext();
         return row;
@@ -182,7 +198,7 @@ void PrintJson(database::Recordset& rows, std::ostream& out) {
         std::string line = "[";
         for (int i = 0; i < count; ++i) {
             line += i == 0 ? "" : ",";
-            line += JsonText(rows[i].Value());
+            line += JsonText(Printed(rows[i]));
         }
         out << line << "]\n";
     }

@@ -10,7 +10,7 @@ class Recordset;
 }
 
 // Rows as text, the same under every locale: Boolean -1 or 0, dates YYYY-MM-DD with the time behind it
-// where there is one, numbers in their shortest form.
+// where there is one, numbers in their shortest form, bytes of a binary field in hexadecimal digits.
 namespace quillary::tools {
 
 // Null gives the empty text.
