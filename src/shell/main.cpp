@@ -59,7 +59,6 @@ void KeepStartShort() {
         qputenv("QT_XCB_GL_INTEGRATION", "none");
 }
 
-// The process ends with the error, whatever is running; everything written so far is in the files.
 // A program that has just been installed finds no farm; the message says how to make one.
 runtime::RunTimeError WithWayOut(const runtime::RunTimeError& error) {
     if (error.Number() != database::kErrFileNotFound)
@@ -69,6 +68,7 @@ runtime::RunTimeError WithWayOut(const runtime::RunTimeError& error) {
                                   "\"qydata import\" brings one across; \"man qydata\" tells how."};
 }
 
+// The process ends with the error, whatever is running; everything written so far is in the files.
 [[noreturn]] void EndWith(const runtime::RunTimeError& error, bool atStart) {
     std::fprintf(stderr, "QYSettings: run-time error %d: %s\n", error.Number(), error.Description().c_str());
     qt::ShowFatalError(error, atStart);
