@@ -54,14 +54,17 @@ int main(int argc, char** argv) {
             options.keep = true;
         else if (word == "--trace")
             options.trace = true;
-        else if (word.starts_with("--")) {
-            std::cerr << kUsage;
+        else if (word == "--help" || word == "-h") {
+            std::cout << kUsage;
+            return kAllPassed;
+        } else if (word.starts_with("-") && word.size() > 1) {
+            std::cerr << "qydrive: unknown option '" << word << "'\n" << kUsage;
             return kUnreadable;
         } else
             files.push_back(word);
     }
     if (files.empty()) {
-        std::cerr << kUsage;
+        std::cerr << "qydrive: no file given\n" << kUsage;
         return kUnreadable;
     }
 

@@ -272,6 +272,7 @@ bool Player::ExecuteGesture(const Command& command) {
     } else if (w[0] == "type" && n == 3) {
         Do([&] { return hand_->TypeText(FindControl(w[1]), w[2]); });
     } else if (w[0] == "key" && n == 3) {
+        controls::ParseKey(w[2]); // a key that there is not is the scenario's fault, not the program's end
         Do([&] { return hand_->PressKey(FindControl(w[1]), w[2]); });
     } else if (w[0] == "leave" && n == 1) {
         Do([&] { return hand_->Leave(TopForm()); });

@@ -26,16 +26,20 @@ std::string_view Behind(std::string_view line, int words) {
     return TrimBlanks(line);
 }
 
-char Unescaped(char c) {
+// What a backslash and this character stand for; any other pair stands as it is, a path's too.
+std::string Unescaped(char c) {
     switch (c) {
     case 'n':
-        return '\n';
+        return "\n";
     case 'r':
-        return '\r';
+        return "\r";
     case 't':
-        return '\t';
+        return "\t";
+    case '"':
+    case '\\':
+        return {c};
     default:
-        return c;
+        return {'\\', c};
     }
 }
 
