@@ -9,6 +9,7 @@
 #include "platform/qt/theme.h"
 #include "platform/qt/view_services.h"
 #include "platform/system/paths.h"
+#include "platform/system/program_version.h"
 #include "platform/system/services.h"
 
 #include <QApplication>
@@ -19,6 +20,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -26,6 +28,14 @@ using namespace quillary;
 
 constexpr const char* kErrorReports = "QYErrorReports.txt";
 constexpr const char* kScreenshotSwitch = "--screenshot";
+
+constexpr const char* kUsage =
+    R"(Usage: QYSettings [/TRUE] [--screenshot FILE]
+  /TRUE              started by the suite's main window; the windows appear beside that
+  --screenshot FILE  writes a picture of the screen and closes the program
+  --help, --version
+The farm is that of the folder $QUILLARY_DOCUMENTS, else of ~/.local/share/quillary; "qydata new" makes one there.
+)";
 
 // What stands behind the program's name, and the one switch that is this system's own:
 // --screenshot FILE writes a picture of the screen, once it has been drawn, and closes the program.
@@ -84,6 +94,12 @@ std::string ReportFile() {
 } // namespace
 
 int main(int argc, char** argv) {
+    const std::string_view first = argc > 1 ? argv[1] : "";
+    if (first == "--help" || first == "-h" || first == "--version") {
+        const std::string version = "QYSettings " + std::string(system::kProgramVersionText) + "\n";
+        std::fputs(first == "--version" ? version.c_str() : kUsage, stdout);
+        return EXIT_SUCCESS;
+    }
     const CommandLine line = ReadCommandLine(argc, argv);
     KeepStartShort();
     QApplication application(argc, argv);
