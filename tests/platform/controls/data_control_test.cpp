@@ -1,7 +1,7 @@
-#include "fake_database.h"
 #include "platform/controls/controls.h"
 #include "platform/database/errors.h"
 #include "platform/runtime/dates.h"
+#include "stored_table.h"
 #include "trace.h"
 
 #include <gtest/gtest.h>
@@ -9,30 +9,21 @@
 namespace quillary::controls {
 namespace {
 
-using runtime::RunTimeError;
 using runtime::Variant;
-using testing::FakeEngine;
-using testing::FakeTable;
+using testing::NumberOf;
+using testing::StoredTable;
 using testing::Trace;
-
-int NumberOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const RunTimeError& error) {
-        return error.Number();
-    }
-    return 0;
-}
 
 // Two rows of a farm table with text boxes bound to its fields.
 struct Screen {
-    FakeEngine engine;
-    FakeTable& table =
-        engine.Table("Farm Details", {{"Farm Name", database::FieldType::Text, 10},
-                                      {"Effective Area", database::FieldType::Single},
-                                      {"GST Start Date", database::FieldType::Date},
-                                      {"Phone", database::FieldType::Text, 25, false, false, false},
-                                      {"CashBasis", database::FieldType::Boolean}});
+    StoredTable table{{"Farm Details",
+                       {{"Farm Name", database::FieldType::Text, 10, false, true, false, {}},
+                        {"Effective Area", database::FieldType::Single, 0, false, true, false, {}},
+                        {"GST Start Date", database::FieldType::Date, 0, false, true, false, {}},
+                        {"Phone", database::FieldType::Text, 25, false, false, false, {}},
+                        {"CashBasis", database::FieldType::Boolean, 0, false, true, false, {}},
+                        {"ID", database::FieldType::Long, 0, false, true, true, {}}},
+                       {}}};
     Form form{"frm_setup"};
     DataControl dat{form, "dat_FarmDetails"};
     TextBox name{form, "txt_FarmName"}, area{form, "txt_area"}, date{form, "txt_date"},
@@ -41,23 +32,23 @@ struct Screen {
     Label shown{form, "lbl_shown"};
 
     Screen() {
-        runtime::SetLocale("en_NZ");
-        DataControl::SetEngine([this]() -> database::Engine& { return engine; });
-        table.Add({"Hill", 12.5F, runtime::MakeDate(2007, 4, 1), Variant::Null(), true});
-        table.Add({"Flat", 8.0F, Variant::Null(), "123", false});
+        table.Execute(
+            "INSERT INTO [Farm Details] ([Farm Name], [Effective Area], [GST Start Date], CashBasis) "
+            "VALUES ('Hill', 12.5, #4/1/2007#, True)");
+        table.Execute(
+            "INSERT INTO [Farm Details] ([Farm Name], [Effective Area], Phone) VALUES ('Flat', 8, '123')");
         name.Bind(dat, "Farm Name");
         area.Bind(dat, "effective area");
         date.Bind(dat, "GST Start Date");
         phone.Bind(dat, "Phone");
         cash.Bind(dat, "CashBasis");
         shown.Bind(dat, "Farm Name");
-        dat.DatabaseName = "Farm32.mdb";
+        dat.DatabaseName = table.path;
         dat.RecordSource = "Farm Details";
         dat.Reposition = [] {};
         dat.Refresh();
         form.Show();
     }
-    ~Screen() { DataControl::SetEngine({}); }
 };
 
 TEST(DataControl, ShowsTheCurrentRecord) {
@@ -78,7 +69,7 @@ TEST(DataControl, ShowsTheCurrentRecord) {
     EXPECT_EQ(s.name.Text, "");
     EXPECT_TRUE(s.dat.FieldOrNull("Farm Name").IsNull());
     s.dat.UpdateRecord(); // and nothing to write to
-    s.dat.Recordset().FindFirst("Farm Name=Hill");
+    s.dat.Recordset().FindFirst("[Farm Name]='Hill'");
     EXPECT_EQ(s.name.Text, "Hill");
 }
 
@@ -92,7 +83,7 @@ TEST(DataControl, UpdateRecordWritesWhatChanged) {
     EXPECT_EQ(s.table.Text(0, 0), "Hill"); // leaving the box has written nothing
     EXPECT_TRUE(s.name.DataChanged);
     // Another program writes a field that no box has changed.
-    s.table.rows[0][3] = "555";
+    s.table.Execute("UPDATE [Farm Details] SET Phone = '555' WHERE ID = 1");
     Trace trace;
     s.dat.UpdateRecord();
     EXPECT_EQ(trace.Take(), ""); // without Validate
@@ -157,7 +148,7 @@ TEST(DataControl, ValidateBeforeEveryActionOfCode) {
     records.MovePrevious();
     records.MoveLast();
     records.MoveFirst();
-    records.FindFirst("Farm Name=Flat");
+    records.FindFirst("[Farm Name]='Flat'");
     records.SetBookmark(records.BookmarkAt(0));
     records.Edit();
     records["Farm Name"] = Variant("Edited");
@@ -219,7 +210,7 @@ TEST(DataControl, NewRowsOfCode) {
     records.Update();
     EXPECT_EQ(s.table.Text(3, 0), "Checked");
     EXPECT_EQ(s.table.Text(3, 3), "000");
-    EXPECT_EQ(s.table.rows.size(), 4u);
+    EXPECT_EQ(s.table.Count(), 4);
 }
 
 TEST(DataControl, ClosesWithItsForm) {

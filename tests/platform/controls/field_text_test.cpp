@@ -1,8 +1,8 @@
-#include "fake_database.h"
 #include "platform/controls/field_text.h"
 #include "platform/database/errors.h"
 #include "platform/runtime/conversions.h"
 #include "platform/runtime/dates.h"
+#include "stored_table.h"
 
 #include <gtest/gtest.h>
 
@@ -14,7 +14,6 @@ using runtime::Variant;
 using runtime::VarType;
 
 TEST(FieldValue, TakesWhatPeopleTypeByTheKindOfField) {
-    runtime::SetLocale("en_NZ");
     struct {
         FieldType type;
         Variant typed;
@@ -52,15 +51,28 @@ TEST(FieldValue, TakesWhatPeopleTypeByTheKindOfField) {
         {FieldType::Text, "  as typed ", "  as typed ", VarType::String},
         {FieldType::Memo, Variant(5), "5", VarType::String},
     };
-    testing::FakeEngine engine;
-    engine.Table("T", {});
+    testing::StoredTable table({"T",
+                                {{"ID", FieldType::Long, 0, false, true, true, {}},
+                                 {"Boolean", FieldType::Boolean, 0, false, true, false, {}},
+                                 {"Byte", FieldType::Byte, 0, false, true, false, {}},
+                                 {"Integer", FieldType::Integer, 0, false, true, false, {}},
+                                 {"Long", FieldType::Long, 0, false, true, false, {}},
+                                 {"Currency", FieldType::Currency, 0, false, true, false, {}},
+                                 {"Single", FieldType::Single, 0, false, true, false, {}},
+                                 {"Double", FieldType::Double, 0, false, true, false, {}},
+                                 {"Date", FieldType::Date, 0, false, true, false, {}},
+                                 {"Text", FieldType::Text, 20, false, true, false, {}},
+                                 {"Memo", FieldType::Memo, 0, false, true, false, {}}},
+                                {}});
+    const auto records = table.Open("T");
     for (const auto& test : cases) {
-        engine.Find("T")->fields = {{"F", test.type}};
-        auto records = engine.OpenDatabase("", false)->OpenRecordset("T");
+        int field = 1;
+        while ((*records)[field].Type() != test.type)
+            ++field;
         const std::string what =
             std::to_string(static_cast<int>(test.type)) + " '" + runtime::TextOf(test.typed) + "'";
         try {
-            const Variant value = FieldValue((*records)[0], test.typed, true);
+            const Variant value = FieldValue((*records)[field], test.typed, true);
             EXPECT_NE(test.text, nullptr) << what << " gave " << runtime::TextOf(value);
             EXPECT_EQ(runtime::TextOf(value), test.text ? test.text : "") << what;
             EXPECT_EQ(value.Type(), test.kind) << what;

@@ -1,7 +1,7 @@
-#include "fake_database.h"
 #include "platform/controls/controls.h"
 #include "platform/database/errors.h"
 #include "platform/runtime/conversions.h"
+#include "stored_table.h"
 #include "trace.h"
 
 #include <gtest/gtest.h>
@@ -13,19 +13,18 @@ namespace {
 
 using runtime::RunTimeError;
 using runtime::Variant;
-using testing::FakeEngine;
-using testing::FakeTable;
+using testing::StoredTable;
 using testing::Trace;
 
 // Stock classes behind a bound grid; every editing event has a routine, so that the trace shows it.
 struct Screen {
-    FakeEngine engine;
-    FakeTable& table =
-        engine.Table("Names", {{"ID", database::FieldType::Long, 0, true, false, true, true},
-                               {"Class Name", database::FieldType::Text, 12, true, true, false},
-                               {"Number", database::FieldType::Integer},
-                               {"Individual", database::FieldType::Boolean},
-                               {"Type", database::FieldType::Long}});
+    StoredTable table{{"Names",
+                       {{"ID", database::FieldType::Long, 0, false, true, true, {}},
+                        {"Class Name", database::FieldType::Text, 12, true, false, false, {}},
+                        {"Number", database::FieldType::Integer, 0, false, true, false, {}},
+                        {"Individual", database::FieldType::Boolean, 0, false, true, false, {}},
+                        {"Type", database::FieldType::Long, 0, false, true, false, {}}},
+                       {{"Key", {"ID"}, true, true, false}, {"Name", {"Class Name"}, false, true, false}}}};
     Form form{"frm_setup"};
     TextBox before{form, "txt_before"};
     DataControl dat{form, "dat_Stock"};
@@ -34,11 +33,10 @@ struct Screen {
     std::set<std::string> refused; // events that cancel
 
     Screen() {
-        runtime::SetLocale("en_NZ");
-        DataControl::SetEngine([this]() -> database::Engine& { return engine; });
         SetControlMessage([this](const std::string& text) { messages += text + "."; });
         for (const char* name : {"Ewes", "Rams", "Lambs"})
-            table.Add({static_cast<std::int32_t>(table.next + 1), name, std::int16_t{10}, false, 1});
+            table.Execute("INSERT INTO Names ([Class Name], [Number], Type) VALUES ('" + std::string(name) +
+                          "', 10, 1)");
         for (const char* field : {"ID", "Class Name", "Number", "Individual", "Type"}) {
             Column& column = grid.AddColumn();
             column.Caption = std::string("The ") + field;
@@ -64,15 +62,12 @@ struct Screen {
         grid.BeforeDelete = [=](bool& cancel) { cancel = answer("BeforeDelete"); };
         grid.AfterDelete = [] {};
         grid.SetDataSource(&dat);
-        dat.DatabaseName = "Farm32.mdb";
+        dat.DatabaseName = table.path;
         dat.RecordSource = "Names";
         dat.Refresh();
         form.Show();
     }
-    ~Screen() {
-        DataControl::SetEngine({});
-        SetControlMessage({});
-    }
+    ~Screen() { SetControlMessage({}); }
     std::string Property(const char* name) { return grid.PropertyText(name).value_or("(none)"); }
     // The events of what was done, without the grid's name.
     static std::string Events(Trace& trace) {
@@ -185,9 +180,11 @@ TEST(Grid, RefusedEditsShowTheOldValue) {
     EXPECT_TRUE(s.grid.EditCell(1, ""));
     EXPECT_EQ(s.Property("Shown(0,1)"), "Ewes");
     EXPECT_FALSE(s.grid.DataChanged);
-    EXPECT_TRUE(s.grid.EditCell(2, "ten").IsRefused());
-    EXPECT_NE(s.messages, "");
-    EXPECT_EQ(s.Property("Shown(0,2)"), "10.00");
+    for (const char* text : {"ten", "40000"}) { // no number; none of 16 bits
+        EXPECT_TRUE(s.grid.EditCell(2, text).IsRefused());
+        EXPECT_NE(std::exchange(s.messages, ""), "");
+        EXPECT_EQ(s.Property("Shown(0,2)"), "10.00");
+    }
     s.grid.Columns(2).Locked = true;
     EXPECT_TRUE(s.grid.EditCell(2, "11").IsRefused());
     EXPECT_TRUE(s.grid.EditCell(0, "11").IsImpossible());
@@ -223,10 +220,15 @@ TEST(Grid, RefusedRowStaysInEdit) {
     } catch (const RunTimeError& error) {
         EXPECT_EQ(error.Number(), database::kErrDuplicateValue); // to code it is an error
     }
-    s.grid.EditCell(1, "");
-    EXPECT_TRUE(s.grid.CommitRow().IsRefused());
-    EXPECT_EQ(dataError, database::kErrRequiredField);
-    EXPECT_EQ(s.messages, "required.");
+    const std::pair<const char*, int> others[] = {{"", database::kErrRequiredField},
+                                                  {"a name beyond twelve", database::kErrFieldTooSmall}};
+    for (const auto& [text, number] : others) {
+        s.grid.EditCell(1, text);
+        EXPECT_TRUE(s.grid.CommitRow().IsRefused());
+        EXPECT_EQ(dataError, number);
+        EXPECT_NE(std::exchange(s.messages, ""), "");
+        EXPECT_EQ(s.Property("Shown(0,1)"), text);
+    }
     s.grid.PressKey(ParseKey("Escape"));
     EXPECT_EQ(s.Property("Shown(0,1)"), "Ewes");
     EXPECT_TRUE(s.before.Focus());
@@ -239,10 +241,10 @@ TEST(Grid, RefusedRowStaysInEdit) {
 
 TEST(Grid, AReadOnlyDatabaseIsToldWhenACellIsToChange) {
     Screen s;
-    s.engine.readOnly = true;
+    s.table.MakeReadOnly();
     s.dat.Refresh();
-    const std::string told = "The database 'Fake.mdb' is read-only. Nothing can be changed here until its "
-                             "file can be written to..";
+    const std::string told = "The database '" + s.table.path +
+                             "' is read-only. Nothing can be changed here until its file can be written to..";
     EXPECT_TRUE(s.grid.EditCell(1, "x").IsRefused());
     EXPECT_EQ(std::exchange(s.messages, ""), told);
     EXPECT_TRUE(s.grid.GoToRow(1));
@@ -267,7 +269,7 @@ TEST(Grid, NewRowAtTheFoot) {
     EXPECT_EQ(s.Property("Row"), "3");
     EXPECT_FALSE(s.grid.Bookmark.Get());
     EXPECT_TRUE(s.grid.CommitRow()); // nothing was typed, nothing is added
-    EXPECT_EQ(s.table.rows.size(), 3u);
+    EXPECT_EQ(s.table.Count(), 3);
     Trace trace;
     s.refused = {"BeforeInsert"};
     EXPECT_TRUE(s.grid.EditCell(1, "Wethers").IsRefused());
@@ -299,7 +301,7 @@ TEST(Grid, NewRowAtTheFoot) {
     s.grid.EditCell(1, "Given up");
     s.grid.CancelEdit();
     EXPECT_TRUE(s.grid.GoToRow(0));
-    EXPECT_EQ(s.table.rows.size(), 4u);
+    EXPECT_EQ(s.table.Count(), 4);
 }
 
 TEST(Grid, DeleteKey) {
@@ -527,20 +529,21 @@ TEST(ArrayGrid, NewRowsByTheGridOrByClassicAdd) {
     }
 }
 
-TEST(Grid, AHundredThousandRowsAreReadOnlyWhereTheyAreShown) {
+TEST(Grid, RowsAreVisitedOnlyWhereTheyAreShown) {
     Screen s;
-    for (int row = 3; row < 100000; ++row)
-        s.table.Add(
-            {static_cast<std::int32_t>(row + 1), "Mob " + std::to_string(row), std::int16_t{1}, false, 1});
-    s.table.rowsRead = 0;
+    for (int times = 0; times < 13; ++times)
+        s.table.Execute(
+            "INSERT INTO Names ([Class Name], Type) SELECT 'Mob ' & (ID + (SELECT Max(ID) FROM Names)), 1 "
+            "FROM Names");
+    const long last = s.table.Count() - 1;
     s.dat.Refresh();
     EXPECT_EQ(s.dat.Recordset().RecordCount(), 20); // a page of rows counts as visited
-    s.grid.Shown(50000, 1);
-    s.grid.GoToRow(99999);
-    EXPECT_EQ(s.grid.Columns(1).Text, "Mob 99999");
-    EXPECT_EQ(s.Property("RowCount"), "100000");
-    EXPECT_LT(s.table.rowsRead, 20);
-    EXPECT_EQ(s.dat.Recordset().RecordCount(), 100000);
+    s.grid.Shown(last / 2, 1);
+    EXPECT_EQ(s.dat.Recordset().RecordCount(), 20);
+    s.grid.GoToRow(last);
+    EXPECT_EQ(s.grid.Columns(1).Text, "Mob " + std::to_string(last + 1));
+    EXPECT_EQ(s.Property("RowCount"), std::to_string(last + 1));
+    EXPECT_EQ(s.dat.Recordset().RecordCount(), last + 1);
 }
 
 } // namespace
