@@ -62,39 +62,6 @@ TEST(Properties, SetFromCodeTheyRaiseNothingAndTellTheView) {
     EXPECT_EQ(s.cbo.Text, "hectares");
 }
 
-TEST(Properties, AsTextForChecks) {
-    Screen s;
-    s.chk.Value = 1;
-    s.opt(0).Value = true;
-    s.picker.Text = "1 July 2007";
-    s.txt_season.ToolTip = "tip";
-    s.txt_season.ForeColor = 255;
-    for (const auto& [control, property, text] :
-         std::vector<std::tuple<Control*, const char*, const char*>>{{&s.chk, "Value", "1"},
-                                                                     {&s.opt(0), "value", "True"},
-                                                                     {&s.opt(1), "Value", "False"},
-                                                                     {&s.cbo, "ListIndex", "-1"},
-                                                                     {&s.cbo, "ItemData", "0"},
-                                                                     {&s.cbo, "ListCount", "2"},
-                                                                     {&s.cbo, "List", "acres|hectares"},
-                                                                     {&s.cbo, "List(1)", "hectares"},
-                                                                     {&s.tab, "CurrTab", "0"},
-                                                                     {&s.tab, "Tabs", "&Farm|Headings|R&&D"},
-                                                                     {&s.picker, "Date", "2007-07-01"},
-                                                                     {&s.picker, "Text", "01/07/2007"},
-                                                                     {&s.spin, "Min", "2000"},
-                                                                     {&s.spin, "Max", "2010"},
-                                                                     {&s.txt_season, "ToolTip", "tip"},
-                                                                     {&s.txt_season, "ForeColor", "255"},
-                                                                     {&s.txt_season, "Visible", "True"},
-                                                                     {&s.txt_season, "Focus", "True"},
-                                                                     {&s.chk, "Focus", "False"},
-                                                                     {&s.txt_season, "Caption", "(none)"},
-                                                                     {&s.cbo, "List(2)", "(none)"}})
-        EXPECT_EQ(control->PropertyText(property).value_or("(none)"), text)
-            << control->FullName() << "." << property;
-}
-
 TEST(Buttons, TickingRaisesClickOnlyWhereItChangesSomething) {
     Screen s;
     Trace trace;

@@ -18,7 +18,6 @@ using controls::Key;
 namespace {
 constexpr Key kTab{controls::kKeyTab, 0, 0};
 constexpr Key kBackTab{controls::kKeyTab, controls::kShiftMask, 0};
-constexpr Key kEnter{controls::kKeyReturn, 0, 13};
 constexpr Key kEscape{controls::kKeyEscape, 0, 27};
 } // namespace
 
@@ -95,19 +94,6 @@ TEST_F(FocusTest, ARefusedValidateKeepsItWhateverTheUserDoes) {
     EXPECT_EQ(form.chk_sort.Value, controls::kUnchecked);
     EXPECT_EQ(form.tab_pages.CurrTab, 0);
     EXPECT_EQ(form.lst_names.ListIndex, -1);
-}
-
-TEST_F(FocusTest, EnterMovesOnWhereARoutineSaysSo) {
-    form.txt_name.KeyPress = [&](int& keyAscii) {
-        if (keyAscii != 13)
-            return;
-        keyAscii = 0;
-        form.txt_line(0).SetFocus();
-    };
-    ShowForm();
-    SendKey(*Focused(), kEnter);
-    EXPECT_EQ(Focused(), hand.WidgetOf(form.txt_line(0)));
-    EXPECT_EQ(form.TakeLog(), "?txt_name -txt_name +txt_line");
 }
 
 TEST_F(FocusTest, TheFormPreviewsKeysAndAcceleratorsWork) {
