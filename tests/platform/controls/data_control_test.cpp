@@ -98,6 +98,12 @@ TEST(DataControl, UpdateRecordWritesWhatChanged) {
     s.name.Text = "Code";
     s.dat.UpdateRecord();
     EXPECT_EQ(s.table.Text(0, 0), "Code");
+    // Another program deletes the row: nothing is shown, and nothing breaks.
+    s.table.Execute("DELETE FROM [Farm Details] WHERE ID = 1");
+    s.dat.UpdateControls();
+    EXPECT_EQ(s.name.Text, "");
+    s.dat.Recordset().MoveLast();
+    EXPECT_EQ(s.name.Text, "Flat");
 }
 
 TEST(DataControl, EmptyTextByTheKindOfField) {
