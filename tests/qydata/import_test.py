@@ -269,6 +269,14 @@ def places(suite, folder):
     ini = single / "Quillary/Common/Quillary.ini"
     ini.write_text(re.sub("(?m)^WageFileName=.*", f"WageFileName={folder}/elsewhere/Wages.mdb", ini.read_text()))
     (single / "data/Wage32.mdb").unlink()
+    # The settings of the other machine tell what a file is that has a name of its own.
+    named = folder / "named"
+    named.mkdir()
+    shutil.copy(suite / "Farm32.mdb", named / "Smith & Sons.mdb")
+    (named / "quillary.ini").write_text("[QUILLARY]\nDataFileName=C:\\Farm\\Smith & Sons.mdb\n")
+    expect("a name of its own", run("import", named / "Smith & Sons.mdb", "--into", folder / "smith"), 0,
+           out="Farm32.mdb: saved query qry_UpdateAccountantsCode")
+    expect("is the main database", run("sql", "--json", folder / "smith/data/Farm32.mdb", "SELECT Count(*) FROM TransactionDetails"), 0, out="20000")
     expect("where the settings say", run("import", suite / "Wage32.mdb", "--into", single), 0)
     if not (folder / "elsewhere/Wages.mdb").exists() or (single / "data/Wage32.mdb").exists():
         fault("a database is not where the settings look for it")

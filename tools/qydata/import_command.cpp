@@ -7,12 +7,13 @@
 #include "platform/database/errors.h"
 #include "platform/runtime/locale.h"
 #include "platform/runtime/run_time_error.h"
+#include "platform/system/ini_file.h"
+#include "platform/system/paths.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <csignal>
-#include <utility>
 
 #include <unistd.h>
 
@@ -69,7 +70,7 @@ ImportJob JobOf(const Words& words) {
         } else if (!fs::path(word).has_filename()) {
             throw Wrong{"'" + word + "' is no name of a file"};
         } else {
-            job.files.push_back({fs::path(word), {}, {}});
+            job.files.push_back({fs::path(word), {}, {}, {}});
         }
     }
     if (job.files.empty()) {
@@ -80,10 +81,6 @@ ImportJob JobOf(const Words& words) {
     }
     job.into = fs::absolute(job.into).lexically_normal();
     return job;
-}
-
-bool IsNamed(const ImportJob::File& file, std::string_view name) {
-    return EqualName(file.source.filename().string(), name);
 }
 
 // The suite's settings, where they lie beside the main database.
@@ -98,35 +95,57 @@ fs::path IniBeside(const fs::path& file) {
     return {};
 }
 
+struct Role {
+    std::string_view name; // of the file in a new installation
+    std::string_view key;  // of the setting that may call it otherwise
+    fs::path config::InstallationFiles::*place;
+};
+constexpr Role kRoles[] = {
+    {config::files::kFarmData, "DataFileName", &config::InstallationFiles::farm},
+    {config::files::kWageData, "WageFileName", &config::InstallationFiles::wages},
+    {config::files::kDiaryData, "DiaryFileName", &config::InstallationFiles::diary},
+    {config::files::kModuleData, "ModuleFileName", &config::InstallationFiles::modules}};
+
+// What the file is by its name: by the one in the settings of the other machine, else by the usual one.
+const Role* RoleOf(const fs::path& file, const fs::path& ini) {
+    const std::string name = file.filename().string();
+    for (const Role& role : kRoles) {
+        const std::string told =
+            ini.empty() ? std::string()
+                        : system::ReadProfileString("QUILLARY", role.key, "", fs::absolute(ini).string());
+        if (EqualName(name, told.empty() ? role.name : system::FileNameOf(told))) {
+            return &role;
+        }
+    }
+    return nullptr;
+}
+
 // The main database makes it a whole installation, if it is none yet; its files have places and names of
 // their own.
 void SetTargets(ImportJob& job) {
-    const auto main = std::find_if(job.files.begin(), job.files.end(), [](const ImportJob::File& file) {
-        return IsNamed(file, config::files::kFarmData);
-    });
+    std::vector<const Role*> roles;
+    const fs::path given = job.ini;
+    for (const auto& file : job.files) {
+        const fs::path ini = given.empty() ? IniBeside(file.source) : given;
+        roles.push_back(RoleOf(file.source, ini));
+        if (roles.back() == &kRoles[0]) {
+            job.ini = ini;
+        }
+    }
     job.layout = config::DocumentsLayout(job.into);
     std::error_code none;
-    job.installation = main != job.files.end() || job.edition || job.country || !job.ini.empty() ||
-                       fs::exists(job.layout.common / config::files::kSuiteIni, none);
-    if (job.ini.empty() && main != job.files.end()) {
-        job.ini = IniBeside(main->source);
-    }
+    job.installation = std::count(roles.begin(), roles.end(), &kRoles[0]) > 0 || job.edition || job.country ||
+                       !job.ini.empty() || fs::exists(job.layout.common / config::files::kSuiteIni, none);
     // The settings of the other machine, where they take the place of those that are here, name the usual
     // places.
     const config::InstallationFiles places =
         job.replace && !job.ini.empty() ? config::UsualFiles(job.layout) : config::PlacesFor(job.layout);
-    const std::pair<std::string_view, const fs::path&> known[] = {
-        {config::files::kFarmData, places.farm},
-        {config::files::kWageData, places.wages},
-        {config::files::kDiaryData, places.diary},
-        {config::files::kModuleData, places.modules},
-    };
-    for (auto& file : job.files) {
+    for (std::size_t i = 0; i < job.files.size(); ++i) {
+        ImportJob::File& file = job.files[i];
         file.target = (job.installation ? job.layout.data : job.into) / file.source.filename();
-        for (const auto& [name, place] : known) {
-            if (job.installation && IsNamed(file, name)) {
-                file.target = place;
-            }
+        if (job.installation && roles[i] != nullptr) {
+            file.role = roles[i]->name;
+            file.target = places.*roles[i]->place;
         }
         file.part = file.target.string() + "." + std::to_string(getpid()) + std::string(kPartEnding);
     }

@@ -60,8 +60,7 @@ void CompleteSettings(const ImportJob& job, const config::InstallationLayout& la
 void CompleteDatabases(const ImportJob& job, std::vector<std::string>& added) {
     const config::InstallationOptions options = OptionsOf(job);
     for (const auto& file : job.files) {
-        const auto done = config::CompleteDatabase(file.part, file.source.filename().string(), options,
-                                                   job.edition.has_value());
+        const auto done = config::CompleteDatabase(file.part, file.role, options, job.edition.has_value());
         added.insert(added.end(), done.begin(), done.end());
     }
 }

@@ -17,6 +17,7 @@ struct ImportJob {
         std::filesystem::path source;
         std::filesystem::path target;
         std::filesystem::path part; // beside the target, until all are whole
+        std::string role;           // which database of an installation it is, by its usual name; "" another
     };
     std::vector<File> files;
     std::filesystem::path into;

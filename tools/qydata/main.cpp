@@ -23,8 +23,8 @@ constexpr const char* kUsage =
   qydata import FILE.mdb... [Quillary.ini] --into FOLDER [--edition farm|business|club|diary] [--country 64|61|55|598]
                 [--code-page N] [--replace]
       Brings databases of the suite's old engine across: tables, rows, keys, relations and saved queries. With the
-      main database Farm32.mdb among the files, FOLDER becomes a whole installation, with the settings of the
-      Quillary.ini that is given or lies beside it. An installation that is there already gets the files in their
+      main database among the files (Farm32.mdb, or what the Quillary.ini calls it), FOLDER becomes a whole
+      installation, with the settings of the Quillary.ini that is given or lies beside it. An installation that is there already gets the files in their
       places. --replace takes the place of databases that are there and keeps them as a restore point.
       --code-page is for very old files that name a wrong one. Exit status 0: everything has come across; 3: done,
       but some things, which are listed, could not be carried; 1: an error, and nothing has been changed.
