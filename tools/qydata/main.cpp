@@ -24,10 +24,11 @@ constexpr const char* kUsage =
                 [--code-page N] [--replace]
       Brings databases of the suite's old engine across: tables, rows, keys, relations and saved queries. With the
       main database among the files (Farm32.mdb, or what the Quillary.ini calls it), FOLDER becomes a whole
-      installation, with the settings of the Quillary.ini that is given or lies beside it. An installation that is there already gets the files in their
-      places. --replace takes the place of databases that are there and keeps them as a restore point.
-      --code-page is for very old files that name a wrong one. Exit status 0: everything has come across; 3: done,
-      but some things, which are listed, could not be carried; 1: an error, and nothing has been changed.
+      installation, with the settings of the Quillary.ini that is given or lies beside it. An installation that is
+      there already gets the files in their places. --replace takes the place of databases that are there and keeps
+      them as a restore point. --code-page is for very old files that name a wrong one. Exit status 0: everything
+      has come across; 3: done, but some things, which are listed, could not be carried; 1: an error, and nothing has
+      been changed.
   qydata check FOLDER
       Opens every database of an installation and tells what is missing or broken.
   qydata restore FOLDER [POINT]
