@@ -96,6 +96,9 @@ y');
                                "CREATE PROCEDURE P AS DELETE * FROM T WHERE Id = 2; P; V;"), (0, "[1]\n", ""))
     check("not a database", run("sql", __file__, "SELECT 1"), (1, "", begins("error 3343: ")))
     check("a folder", run("sql", folder, "SELECT 1"), (1, "", begins("error 3051: ")))
+    with open("/dev/full", "w") as full:
+        done = subprocess.run([PROGRAM, "sql", db, "SELECT * FROM T"], stdout=full, stderr=subprocess.PIPE, text=True)
+    check("no room for the output", (done.returncode, "", done.stderr), (1, "", begins("error 61: ")))
     check("nothing to do", run("sql", db, text="-- only a note\n\n"), (0, "", ""))
 
 

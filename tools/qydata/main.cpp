@@ -87,7 +87,12 @@ int WrongUse(const std::string& fault) {
 
 int main(int argc, char** argv) {
     try {
-        return quillary::tools::Run({argv + 1, argv + argc});
+        const int status = quillary::tools::Run({argv + 1, argv + argc});
+        std::cout.flush();
+        if (std::cout || status != 0) {
+            return status;
+        }
+        std::cerr << "error 61: not all of the output could be written; the disk may be full." << std::endl;
     } catch (const quillary::runtime::RunTimeError& error) {
         std::cout.flush();
         std::cerr << "error " << error.Number() << ": " << error.Description() << std::endl;
