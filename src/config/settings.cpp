@@ -17,8 +17,14 @@ std::string TextSetting(std::string_view section, std::string_view key, std::str
     return value.empty() ? std::string(defaultValue) : value;
 }
 
-// Files of one farm lie under the data root, those of the whole installation in the common folder. The
-// folder is asked for only when the key is empty: each question may leave a line in the log.
+// The country is asked for only when the key is empty, as are the folders below: each question may leave a
+// line in the log.
+std::string WordOfCountry(std::string_view key, std::string_view australian, std::string_view usual) {
+    std::string value = GetSuiteValue("TAX", key);
+    return value.empty() ? std::string(GetCountryCode() == kAustralia ? australian : usual) : value;
+}
+
+// Files of one farm lie under the data root, those of the whole installation in the common folder.
 std::string FileSetting(std::string_view section, std::string_view key, std::string (*folder)(),
                         std::string_view name) {
     std::string value = GetSuiteValue(section, key);
@@ -94,23 +100,20 @@ std::string GetPayAsYouEarn() {
 
 // What the words and figures of each country are, where the ini file does not say.
 std::string GetIncomeTaxName() {
-    return TextSetting("TAX", "IncomeTaxName",
-                       GetCountryCode() == kAustralia ? "PAYG Instalment" : "Income Tax");
+    return WordOfCountry("IncomeTaxName", "PAYG Instalment", "Income Tax");
 }
 std::string GetInvoiceBasis() {
     // Meant: Australian users know this spelling from their reports.
-    return TextSetting("TAX", "InvoiceBasis",
-                       GetCountryCode() == kAustralia ? "Accural Basis" : "Invoice Basis");
+    return WordOfCountry("InvoiceBasis", "Accural Basis", "Invoice Basis");
 }
 std::string GetPaymentBasis() {
-    return TextSetting("TAX", "PaymentBasis",
-                       GetCountryCode() == kAustralia ? "Cash Basis" : "Payments Basis");
+    return WordOfCountry("PaymentBasis", "Cash Basis", "Payments Basis");
 }
 std::string GetTaxofficename() {
-    const std::int32_t country = GetCountryCode();
     std::string value = GetSuiteValue("IMPORT", "TaxOfficeName");
     if (!value.empty())
         return value;
+    const std::int32_t country = GetCountryCode();
     return country == kAustralia ? "ATO Tax Office" : country == kUruguay ? "Tax Office" : "Inland Revenue";
 }
 std::string GetGSTRate() {
@@ -121,7 +124,8 @@ std::string GetGSTRate() {
     return runtime::CStr(rate);
 }
 std::int32_t GetIncomeTaxFreq() {
-    return LongSetting("IncomeTaxFreq", GetCountryCode() == kAustralia ? 3 : 12);
+    const auto months = ValueAsLong(GetSuiteValue("TAX", "IncomeTaxFreq"));
+    return months ? *months : GetCountryCode() == kAustralia ? 3 : 12;
 }
 
 bool GetValueAddedTax() {

@@ -27,11 +27,12 @@ void CloseQuietly(const std::unique_ptr<Recordset>& rows) {
         common::IgnoreErrors([&] { rows->Close(); });
 }
 
-// Null takes the default; another value stays.
-void FillNull(Recordset& record, std::string_view field, const Variant& defaultValue) {
+// Null takes the default, which is asked for only then; another value stays.
+template <class Default>
+void FillNull(Recordset& record, std::string_view field, Default&& defaultValue) {
     auto& stored = record[field];
     if (stored.Value().IsNull())
-        stored = defaultValue;
+        stored = Variant(defaultValue());
 }
 
 } // namespace
@@ -77,22 +78,22 @@ bool CheckPAYEAccounts(database::Database& db) {
             info.AddNew();
         else
             info.Edit();
-        const auto account = [&](std::string_view field, std::int32_t number, std::string_view name) {
+        const auto account = [&](std::string_view field, std::int32_t (*number)(), std::string_view name) {
             FillNull(info, field, number);
             CheckPayeAcctsSecCodes(db, runtime::CLng(info[field].Value()),
                                    config::TranslateTokens(name, std::vector<std::string>{paye}));
         };
-        account("PayeAccount", config::GetPAYEAccount(), "|0| Account");
-        FillNull(info, "PayeFreq", config::GetPAYEFreq());
-        account("WageAccount", config::GetWageAccount(), "Wage Account");
-        account("PaymentAccount", config::GetPaymentAccount(), "|0| Payment Account");
-        FillNull(info, "PayeStart", runtime::CDate(common::GetPAYEStartText(db)));
+        account("PayeAccount", config::GetPAYEAccount, "|0| Account");
+        FillNull(info, "PayeFreq", config::GetPAYEFreq);
+        account("WageAccount", config::GetWageAccount, "Wage Account");
+        account("PaymentAccount", config::GetPaymentAccount, "|0| Payment Account");
+        FillNull(info, "PayeStart", [&] { return runtime::CDate(common::GetPAYEStartText(db)); });
         // A yes/no field is never Null in a stored record.
         if (isNew || info["PayeNonCash"].Value().IsNull())
             info["PayeNonCash"] = config::GetPAYENonCash();
-        FillNull(info, "PayeAddressID", config::GetPAYEAddressID());
-        account("AdjustAccount", config::GetAdjustAccount(), "Adjust Account");
-        FillNull(info, "TaxFreq", config::GetIncomeTaxFreq());
+        FillNull(info, "PayeAddressID", config::GetPAYEAddressID);
+        account("AdjustAccount", config::GetAdjustAccount, "Adjust Account");
+        FillNull(info, "TaxFreq", config::GetIncomeTaxFreq);
         info.Update();
         result = true;
     });
