@@ -89,6 +89,7 @@ FrmUnits::FrmUnits(common::Screen& screen)
     cmb_taxbasis.SetBuddy(&lbl_taxBasis);
     txtTaxoffice.SetBuddy(&Label1);
     opt_diary.Each([this](controls::OptionButton& option, int i) { option.SetBuddy(&lbl_optDiary(i)); });
+    lbl_taxrate.UseMnemonic = lbl_taxBasis.UseMnemonic = false; // the tax's name may hold an "&"
     lbl_area.Visible = txt_farmarea.Visible = false;
     txt_farmname.MaxLength = txtTaxoffice.MaxLength = kNameLimit;
     txt_farmarea.MaxLength = txt_taxrate.MaxLength = kNumberLimit;
@@ -98,6 +99,7 @@ FrmUnits::FrmUnits(common::Screen& screen)
     for (controls::TextBox* box : {&txt_farmname, &txt_taxrate, &txtTaxoffice})
         box->GotFocus = [box] { SelectText(*box); };
     txt_farmarea.GotFocus = [this] {
+        txt_farmarea.SelStart = 0;
         txt_farmarea.SelLength = static_cast<int>(runtime::CharCount(txt_farmarea.Text.Get()));
     };
     opt_diary.On(&controls::OptionButton::Click, [this](int) { opt_diary_Click(); });
