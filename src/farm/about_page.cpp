@@ -2,7 +2,6 @@
 
 #include "common/error_report.h"
 #include "common/farm_details.h"
-#include "common/messages.h"
 #include "config/globals.h"
 #include "config/profile_store.h"
 #include "config/settings.h"
@@ -38,6 +37,7 @@ AboutPage::AboutPage(common::Screen& screen, controls::Panel& panel)
     cscmd1(kVerifyFiles).Caption = "&Verify Files";
     for (controls::TextBox* figure : {&txt_FreeMemory, &txt_FreeGDI, &txt_FreeSystem, &txt_FreeUser})
         figure->Locked = true; // figures to read and to copy
+    lbl_dataversion.UseMnemonic = false;
     cscmd1.On(&controls::CommandButton::Click, [this](int index) { cscmd1_Click(index); });
 }
 
@@ -61,11 +61,11 @@ void AboutPage::LoadAboutPage() {
     lbl_versionnumber.Caption = std::string(system::kProgramVersionText);
     const auto date = system::FileDate(system::Join(config::GetProgramDirectory(), kSuiteProgram));
     lbl_EXEdate.Caption = date ? runtime::Format(*date, "short date") : std::string();
-    lbl_dataversion.Caption = common::EscapeAmpersands(common::GetVersion(*db));
+    lbl_dataversion.Caption = common::GetVersion(*db);
     // The firm's name and its phrase stand at the head of the screen.
     const auto showAtHead = [&](const char* name, const std::string& text) {
         if (auto* label = dynamic_cast<controls::Label*>(screen_.ScreenForm().Find(name)))
-            label->Caption = common::EscapeAmpersands(text);
+            label->Caption = text;
     };
     showAtHead("lbl_catchPhrase", config::GetCatchPhrase());
     showAtHead("lbl_firm", config::GetFirm());

@@ -1,7 +1,6 @@
 #include "farm/system_info.h"
 
 #include "common/error_report.h"
-#include "common/messages.h"
 #include "config/locale_info.h"
 #include "config/profile_store.h"
 #include "config/settings.h"
@@ -62,7 +61,8 @@ void FrmSystemInfo::Form_KeyPress(int& keyAscii) {
 void FrmSystemInfo::FillSystemInfo() {
     // A report: what cannot be had leaves its label as it stands.
     const auto show = [](controls::Label& label, const std::function<std::string()>& text) {
-        common::IgnoreErrors([&] { label.Caption = common::EscapeAmpersands(text()); });
+        label.UseMnemonic = false;
+        common::IgnoreErrors([&] { label.Caption = text(); });
     };
     const runtime::Date today = runtime::Today();
     show(lbl_now, [&] { return runtime::Format(today, "medium date"); });
@@ -83,6 +83,8 @@ void FrmSystemInfo::FillSystemInfo() {
     show(lbl_Quillary(10), config::GetLanguage);
     show(lbl_country, [] { return config::GetProfileValue("intl", "sCountry", config::files::kSystemIni); });
     show(lbl_fmt, config::GetDateOrder);
+    // A path may be longer than the screen is wide.
+    lbl_Quillary.Each([](controls::Label& label, int) { label.ToolTip = label.Caption.Get(); });
 }
 
 } // namespace quillary::farm

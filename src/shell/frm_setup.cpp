@@ -77,6 +77,7 @@ FrmSetup::FrmSetup()
     Height = kScreenHeight;
     cmd_Okay.Caption = "Close";
     cmd_Okay.TabIndex = kLastInTabOrder; // at the foot of the screen, behind every page
+    lbl_firm.UseMnemonic = lbl_catchPhrase.UseMnemonic = false; // "A & B" and "R&D" stand as they are
     mnu_helpmain.Caption = "&Help";
     mnu_help(0).SetParent(&mnu_helpmain);
     tab_Setup.Caption = "Farm|Headings|Enterprises|GST|Planner|Taxation|Stock|About";
@@ -146,8 +147,8 @@ void FrmSetup::Form_Load() {
 
         GetHeadingColour("QYHeader");
         const auto& colour = config::gHeadingColour;
-        lbl_firm.Caption = common::EscapeAmpersands(config::GetFirm());
-        lbl_catchPhrase.Caption = common::EscapeAmpersands(config::GetCatchPhrase());
+        lbl_firm.Caption = config::GetFirm();
+        lbl_catchPhrase.Caption = config::GetCatchPhrase();
         // Shares beyond a byte count as the nearest that a screen has.
         const auto share = [](std::int32_t value) { return std::clamp(value, 0, 255); };
         lbl_firm.ForeColor = lbl_catchPhrase.ForeColor =

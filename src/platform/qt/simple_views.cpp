@@ -23,6 +23,7 @@
 #include <QTabBar>
 #include <QToolButton>
 
+#include <algorithm>
 #include <cmath>
 
 namespace quillary::qt {
@@ -31,6 +32,8 @@ using controls::Aspect;
 
 namespace {
 
+constexpr int kWidestLabel = 420; // pixels that a label's text may ask of its window at least
+
 QString NativePath(const std::string& path) {
     return path.empty() ? QString() : ToQt(system::ToNative(path));
 }
@@ -38,10 +41,9 @@ QString NativePath(const std::string& path) {
 class LabelView : public ControlView {
 public:
     LabelView(FormView& form, controls::Label& label, QLabel& widget)
-        : ControlView(form, label, widget), label_(label), text_(widget) {
+        : ControlView(form, label, widget), label_(label), text_(widget), drawnWidth_(widget.minimumWidth()) {
         // Names of farms and headings may look like markup.
         text_.setTextFormat(Qt::PlainText);
-        text_.setWordWrap(text_.wordWrap());
     }
 
     void Show(Aspect aspect) override {
@@ -68,10 +70,15 @@ private:
                         named = &view->Widget();
         text_.setBuddy(named);
         text_.setText(named ? ToQt(controls::MarkedCaption(caption)) : ToQt(controls::PlainCaption(caption)));
+        // A path or a name of the settings has any length: it is cut, rather than its window widened beyond
+        // the screen.
+        const bool wide = !text_.wordWrap() && text_.sizeHint().width() > kWidestLabel;
+        text_.setMinimumWidth(wide ? std::max(drawnWidth_, kWidestLabel) : drawnWidth_);
     }
 
     controls::Label& label_;
     QLabel& text_;
+    int drawnWidth_; // the least width that the Designer file gives
 };
 
 // All kinds of buttons: the click is the control's, and the box shows what the control makes of it.
@@ -142,7 +149,7 @@ public:
             if (auto* group = qobject_cast<QGroupBox*>(&Widget()))
                 group->setTitle(ToQt(panel_.Caption.Get()));
             else if (auto* band = dynamic_cast<TitleBand*>(&Widget()))
-                band->SetTitle(ToQt(controls::PlainCaption(panel_.Caption)));
+                band->SetTitle(ToQt(panel_.Caption.Get())); // no accelerator: an "&" is one
             break;
         case Aspect::Colour:
             if (auto* band = dynamic_cast<TitleBand*>(&Widget()))

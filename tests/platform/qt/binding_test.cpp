@@ -15,6 +15,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScreen>
 #include <QTabBar>
 #include <QWheelEvent>
 
@@ -41,8 +42,10 @@ TEST_F(BindingTest, WidgetsShowWhatTheControlsHoldBeforeAndAfterTheShowing) {
     form.txt_line(1).Enabled = false;
     form.cmd_add.Visible = false;
     form.Caption = "Demo";
+    form.lbl_name.Caption = std::string(500, 'w'); // such as a path of the settings
     form.Show();
 
+    EXPECT_LT(ViewOf(form).Window().width(), ViewOf(form).Window().screen()->size().width());
     EXPECT_EQ(WidgetOf<QLineEdit>(form.txt_name).text(), "Hill Top");
     EXPECT_TRUE(WidgetOf<QCheckBox>(form.chk_sort).isChecked());
     EXPECT_EQ(WidgetOf<QComboBox>(form.cbo_unit).currentText(), "hectares");
