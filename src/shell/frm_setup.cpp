@@ -213,11 +213,14 @@ void FrmSetup::Form_KeyDown(int& keyCode, int shift) {
 void FrmSetup::tab_Setup_Switch(int oldTab, int& newTab, bool& cancel) {
     const bool ok = farm::SaveFrame(*this, oldTab, false);
     cancel = !ok;
-    if (!ok)
+    if (!ok) {
         newTab = oldTab;
-    else if (newTab == oldTab || newTab < 0)
+        return;
+    }
+    // Meant: the tab already shown does not switch, but its page is set up and brought forward anew.
+    if (newTab == oldTab || newTab < 0)
         cancel = true;
-    else
+    if (newTab >= 0)
         ChangeZOrder(newTab, *this, oldTab);
 }
 
