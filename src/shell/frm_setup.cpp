@@ -225,20 +225,21 @@ void FrmSetup::tab_Setup_Switch(int oldTab, int& newTab, bool& cancel) {
 }
 
 void FrmSetup::Form_QueryUnload(bool& cancel) {
-    try {
-        for (int i = 0; i < static_cast<int>(config::gFrames.size()); ++i) {
-            if (!farm::SaveFrame(*this, i, true)) {
-                cancel = true;
-                break;
-            }
+    const auto attempt = [&cancel](const auto& step) {
+        try {
+            step();
+        } catch (const runtime::RunTimeError& error) {
+            common::ShowErrorBox(error, "frm_Setup.Query_Unload");
+            cancel = true;
         }
-    } catch (const runtime::RunTimeError& error) {
-        common::ShowErrorBox(error, "frm_Setup.Query_Unload");
-        cancel = true;
-    }
+    };
+    attempt([&] {
+        for (int i = 0; i < static_cast<int>(config::gFrames.size()) && !cancel; ++i)
+            cancel = !farm::SaveFrame(*this, i, true);
+    });
     // Refused or not.
     if (config::gHelpOpen)
-        common::Trap("frm_setup.Form_QueryUnload", [] { system::TheServices().helpViewer->CloseAll(); });
+        attempt([] { system::TheServices().helpViewer->CloseAll(); });
 }
 
 void FrmSetup::Form_Unload() {
