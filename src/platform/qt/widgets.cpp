@@ -15,6 +15,8 @@
 #include <QTextCharFormat>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace quillary::qt {
 
 namespace {
@@ -259,7 +261,10 @@ void TitleBand::paintEvent(QPaintEvent*) {
     bold.setBold(true);
     painter.setFont(bold);
     painter.setPen(Qt::white);
-    const QRect space = rect().adjusted(margin * 5 / 2, 0, -margin, 0);
+    int end = width() - margin;
+    for (const QWidget* buttons : findChildren<const QWidget*>(QString(), Qt::FindDirectChildrenOnly))
+        end = std::min(end, buttons->x());
+    const QRect space(margin * 5 / 2, 0, end - margin * 5 / 2, height());
     painter.drawText(space, Qt::AlignVCenter | Qt::AlignLeft,
                      QFontMetrics(bold).elidedText(title_, Qt::ElideRight, space.width()));
 }
