@@ -5,6 +5,7 @@
 #include "config/globals.h"
 #include "config/profile_store.h"
 #include "config/settings.h"
+#include "config/suite_files.h"
 #include "farm/system_info.h"
 #include "platform/runtime/format.h"
 #include "platform/system/paths.h"
@@ -16,7 +17,6 @@ namespace quillary::farm {
 namespace {
 
 constexpr int kInformation = 0, kVerifyFiles = 1;
-constexpr const char* kSuiteProgram = "quillary.exe"; // the suite's main program
 constexpr double kBytesOfKilobyte = 1024;
 
 std::string Share(std::uint64_t part, std::uint64_t whole) {
@@ -59,7 +59,8 @@ void AboutPage::LoadAboutPage() {
     txt_FreeSystem.Text = runtime::Format(memory.load / 100.0, "#0.00%");
     txt_FreeUser.Text = Share(memory.availableVirtual, memory.totalVirtual);
     lbl_versionnumber.Caption = std::string(system::kProgramVersionText);
-    const auto date = system::FileDate(system::Join(config::GetProgramDirectory(), kSuiteProgram));
+    const auto date =
+        system::FileDate(system::Join(config::GetProgramDirectory(), config::files::kMainProgram));
     lbl_EXEdate.Caption = date ? runtime::Format(*date, "short date") : std::string();
     lbl_dataversion.Caption = common::GetVersion(*db);
     // The firm's name and its phrase stand at the head of the screen.
@@ -77,8 +78,8 @@ void AboutPage::cscmd1_Click(int index) {
         if (index == kInformation)
             FrmSystemInfo(screen_).ShowModal();
         else if (index == kVerifyFiles)
-            system::TheServices().processes->Launch(config::GetProgramDirectory() + "/qyverify",
-                                                    "/QYStarted");
+            system::TheServices().processes->Launch(
+                config::GetProgramDirectory() + "/" + std::string(config::files::kVerifyTool), "/QYStarted");
     });
 }
 

@@ -8,7 +8,6 @@
 #include "common/tax_records.h"
 #include "config/globals.h"
 #include "config/profile_store.h"
-#include "config/suite_files.h"
 #include "farm/invoice_logo.h"
 #include "farm/year_entry.h"
 #include "platform/runtime/conversions.h"

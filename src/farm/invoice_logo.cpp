@@ -1,6 +1,7 @@
 #include "farm/invoice_logo.h"
 
 #include "config/profile_store.h"
+#include "config/suite_files.h"
 #include "platform/runtime/run_time_error.h"
 #include "platform/system/paths.h"
 
@@ -12,12 +13,11 @@ namespace quillary::farm {
 namespace {
 
 constexpr int kErrPathAccess = 75;
-constexpr std::string_view kLogoName = "InvoiceLogo.BMP";
 
 } // namespace
 
 std::string InvoiceLogoPath() {
-    return system::Join(config::GetDataRoot(), kLogoName);
+    return system::Join(config::GetDataRoot(), config::files::kInvoiceLogo);
 }
 
 void StoreInvoiceLogo(std::string_view path) {

@@ -3,6 +3,7 @@
 #include "config/globals.h"
 #include "config/profile_store.h"
 #include "config/settings.h"
+#include "config/suite_files.h"
 #include "platform/controls/buttons.h"
 #include "platform/controls/form_host.h"
 #include "platform/controls/panel.h"
@@ -34,11 +35,11 @@ void TilePanel(controls::Form& form, std::string_view name, const std::string& p
 void LoadCustomSkin(controls::Form& form) {
     config::gTitleColour = 0x33 * kRedShare + 0x66 * kGreenShare + 1 * kBlueShare;
 
-    const std::string tile = SkinPicture("maintile.wmf");
+    const std::string tile = SkinPicture(config::files::kMainTile);
     for (const char* name : {"vse_MainTile", "els_Form", "els_FormSideBar"})
         TilePanel(form, name, tile);
 
-    const std::string title = SkinPicture("titletle.jpg");
+    const std::string title = SkinPicture(config::files::kTitleTile);
     if (auto* bar = dynamic_cast<controls::Panel*>(form.Find("els_TitleBar"))) {
         TilePanel(form, "els_TitleBar", title);
         bar->BorderWidth = 1;
@@ -46,7 +47,7 @@ void LoadCustomSkin(controls::Form& form) {
     }
     TilePanel(form, "els_Buttons", title);
 
-    const std::string button = SkinPicture("titlebtn.jpg");
+    const std::string button = SkinPicture(config::files::kTitleButton);
     for (int index = kFirstTitleButton; index <= kLastTitleButton; ++index) {
         if (auto* titleButton = dynamic_cast<controls::TitleButton*>(form.Find("els_TitleButton", index))) {
             if (!button.empty())
