@@ -23,7 +23,6 @@
 #include <QTabBar>
 #include <QToolButton>
 
-#include <algorithm>
 #include <cmath>
 
 namespace quillary::qt {
@@ -32,7 +31,7 @@ using controls::Aspect;
 
 namespace {
 
-constexpr int kWidestLabel = 420; // pixels that a label's text may ask of its window at least
+constexpr int kWidestLabel = 420; // pixels that a label's text may ask of its window
 
 QString NativePath(const std::string& path) {
     return path.empty() ? QString() : ToQt(system::ToNative(path));
@@ -73,12 +72,12 @@ private:
         // A path or a name of the settings has any length: it is cut, rather than its window widened beyond
         // the screen.
         const bool wide = !text_.wordWrap() && text_.sizeHint().width() > kWidestLabel;
-        text_.setMinimumWidth(wide ? std::max(drawnWidth_, kWidestLabel) : drawnWidth_);
+        text_.setMinimumWidth(wide && drawnWidth_ == 0 ? kWidestLabel : drawnWidth_);
     }
 
     controls::Label& label_;
     QLabel& text_;
-    int drawnWidth_; // the least width that the Designer file gives
+    int drawnWidth_; // the least width that the Designer file gives; 0 none
 };
 
 // All kinds of buttons: the click is the control's, and the box shows what the control makes of it.
