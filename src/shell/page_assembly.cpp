@@ -89,7 +89,7 @@ void gSetupSetup(FrmSetup& form) {
         if (config::gModuleID == config::kBusinessEdition || config::gModuleID == config::kClubEdition)
             farmPage.cboUnits.Visible = false;
 
-        form.Headings().ShowTaxColumn(valueAddedTax, config::GetTaxName());
+        form.Headings().ShowTaxColumn(valueAddedTax, valueAddedTax ? config::GetTaxName() : std::string());
         form.Planner().ShowTaxPanel(valueAddedTax);
 
         if (config::gModuleID == config::kClubEdition)
