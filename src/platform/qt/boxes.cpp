@@ -226,8 +226,12 @@ InputBox::InputBox(const system::InputRequest& request, QWidget* parent) : Box(p
     prompt->setMinimumWidth(kNarrowest);
     parts.body->addWidget(prompt);
     field_ = new QLineEdit(this);
-    if (request.maxLength > 0)
-        field_->setMaxLength(request.maxLength);
+    if (request.maxLength > 0) {
+        GiveRoom(*field_, request.maxLength, ToQt(request.defaultText));
+        connect(
+            field_, &QLineEdit::textEdited, this,
+            [this, limit = request.maxLength, first = request.defaultText] { CutTo(*field_, limit, first); });
+    }
     if (request.numeric)
         field_->setValidator(new QDoubleValidator(field_));
     field_->setText(ToQt(request.defaultText));

@@ -306,15 +306,18 @@ void GridView::ShowEditor() {
         editor_->setTextMargins(4, 0, 4, 0);
         editor_->setAutoFillBackground(true);
         editor_->setAccessibleName(ToQt(grid_.Columns(col).Caption.Get()));
-        // What the cell holds stays whole, even where it is longer than a user may type.
-        if (const int limit = grid_.Columns(col).MaxLength; limit > 0)
-            editor_->setMaxLength(std::max(limit, static_cast<int>(text.size())));
+        const int limit = grid_.Columns(col).MaxLength;
+        if (limit > 0)
+            GiveRoom(*editor_, limit, text);
         editorRow_ = row;
         editorCol_ = col;
         Form().Watch(*editor_);
         editor_->setText(text);
-        connect(editor_, &QLineEdit::textEdited, this,
-                [this](const QString& typed) { Do([&] { grid_.SetEditText(FromQt(typed)); }); });
+        connect(editor_, &QLineEdit::textEdited, this, [this, limit] {
+            if (limit > 0)
+                CutTo(*editor_, limit, grid_.EditText());
+            Do([&] { grid_.SetEditText(FromQt(editor_->text())); });
+        });
         const QModelIndex cell = model_.index(row, col);
         table_.scrollTo(cell);
         PlaceEditor();

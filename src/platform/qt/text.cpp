@@ -2,6 +2,10 @@
 
 #include "platform/controls/control.h"
 #include "platform/qt/theme.h"
+#include "platform/runtime/locale.h"
+
+#include <QLineEdit>
+#include <QSignalBlocker>
 
 #include <algorithm>
 #include <cmath>
@@ -40,6 +44,17 @@ std::string LinesFromQt(QString text) {
     text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
     text.replace(QLatin1Char('\n'), QLatin1String("\r\n"));
     return FromQt(text);
+}
+
+void GiveRoom(QLineEdit& field, int characters, const QString& text) {
+    field.setMaxLength(std::max(2 * characters, static_cast<int>(text.size())));
+}
+
+void CutTo(QLineEdit& field, int characters, std::string_view former) {
+    const std::size_t most = std::max(static_cast<std::size_t>(characters), runtime::CharCount(former));
+    const QSignalBlocker quiet(field);
+    while (runtime::CharCount(FromQt(field.text())) > most)
+        field.backspace(); // the cursor stands behind what was inserted
 }
 
 QColor ColourOf(int colour) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+class QLineEdit;
 class QWidget;
 
 // Between the texts, measures and colours of the controls and those of the toolkit.
@@ -21,6 +22,12 @@ inline std::string FromQt(const QString& text) {
 // Line ends within: the controls hold CR LF, widgets show LF. A lone CR is a line end too.
 QString LinesToQt(std::string_view text);
 std::string LinesFromQt(QString text);
+
+// A field holds at most so many characters, or as many as code has put into it: a longer text stays whole.
+// The field itself counts units, of which a character may take two. GiveRoom before the text is set; CutTo
+// when it was edited takes back what was typed or pasted beyond the limit; former: the text before the edit.
+void GiveRoom(QLineEdit& field, int characters, const QString& text);
+void CutTo(QLineEdit& field, int characters, std::string_view former);
 
 inline constexpr int kTwipsPerPixel = 15;
 inline int PixelsOf(int twips) {

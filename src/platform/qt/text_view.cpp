@@ -133,8 +133,7 @@ class LineView : public TextView {
 public:
     LineView(FormView& form, controls::TextBox& box, QLineEdit& edit)
         : TextView(form, box, edit), edit_(edit) {
-        connect(&edit_, &QLineEdit::textEdited, this,
-                [this](const QString& text) { Edited(FromQt(text), edit_.cursorPosition()); });
+        connect(&edit_, &QLineEdit::textEdited, this, [this] { TakeEdit(); });
         connect(&edit_, &QLineEdit::selectionChanged, this, [this] { TellSelection(); });
         connect(&edit_, &QLineEdit::cursorPositionChanged, this, [this] { TellSelection(); });
     }
@@ -145,6 +144,8 @@ private:
         if (edit_.text() == text)
             return;
         showing_ = true;
+        if (box_.MaxLength > 0 && edit_.maxLength() < text.size())
+            GiveRoom(edit_, box_.MaxLength, text);
         edit_.setText(text);
         if (!edit_.hasFocus())
             edit_.setCursorPosition(0); // the beginning is what one reads
@@ -152,8 +153,16 @@ private:
     }
     void ShowLimits() override {
         constexpr int kNoLimit = 32767;
-        edit_.setMaxLength(box_.MaxLength > 0 ? box_.MaxLength.Get() : kNoLimit);
+        if (box_.MaxLength > 0)
+            GiveRoom(edit_, box_.MaxLength, edit_.text());
+        else
+            edit_.setMaxLength(kNoLimit);
         edit_.setReadOnly(box_.Locked);
+    }
+    void TakeEdit() {
+        if (box_.MaxLength > 0)
+            CutTo(edit_, box_.MaxLength, box_.Text);
+        Edited(FromQt(edit_.text()), edit_.cursorPosition());
     }
     void SetSelection(int start, int length) override {
         if (length > 0)

@@ -119,9 +119,22 @@ TEST_F(BindingTest, LimitsHoldForTheUserAlone) {
     form.Show();
     hand.TypeText(form.txt_name, "abcdef");
     EXPECT_EQ(form.txt_name.Text, "abc");
+    // Characters are counted, whatever the toolkit counts; a paste is cut like what is typed.
+    hand.TypeText(form.txt_name, "ab\U0001F411d");
+    EXPECT_EQ(form.txt_name.Text, "ab\U0001F411");
+    auto& line = WidgetOf<QLineEdit>(form.txt_name);
+    line.selectAll();
+    line.insert("12345");
+    EXPECT_EQ(form.txt_name.Text, "123");
+    // A longer text of a database is shown and kept, also when it is edited.
     form.txt_name.Text = "from code";
     Settle();
+    EXPECT_EQ(line.text(), "from code");
+    line.end(false);
+    line.insert("x");
     EXPECT_EQ(form.txt_name.Text, "from code");
+    line.backspace();
+    EXPECT_EQ(form.txt_name.Text, "from cod");
     hand.TypeText(form.txt_notes, "one\ntwo");
     EXPECT_EQ(form.txt_notes.Text, "one\r\ntwo");
     form.txt_notes.Locked = true;
