@@ -78,6 +78,26 @@ std::string CachedName(const Variant& heading, const Variant& name) {
     return runtime::TextOf(heading) + " : " + runtime::TextOf(name);
 }
 
+// On a recordset of its own: a row that is refused goes with it, and what is typed next finds no pending row.
+void AddRow(database::Database& db, std::int32_t account, std::int32_t code, const std::string& name) {
+    const HeadingFields heading = ReadHeading(db, account);
+    auto rows = db.OpenRecordset("SELECT DISTINCTROW [Secondary Codes].* FROM [Secondary Codes] "
+                                 "WHERE [Secondary Codes].[Secondary Codes ID] = " +
+                                     std::to_string(code) + ";",
+                                 database::RecordsetType::Dynaset);
+    rows->AddNew();
+    (*rows)["Secondary Codes ID"] = code;
+    (*rows)["Main Code ID"] = account;
+    (*rows)["Name"] = name;
+    for (const char* inLanguage : {"Englishname", "Spanishname", "Portuguesename"})
+        if (rows->FindField(inLanguage) >= 0) // an old file may lack it
+            (*rows)[inLanguage] = name;
+    (*rows)["Cached Name"] = CachedName(heading.name, name);
+    (*rows)["TaxNumID"] = heading.taxNumber;
+    rows->Update();
+    rows->Close();
+}
+
 // Column widths as the user has left them, for the next time.
 std::vector<Variant>& KeptWidths() {
     static std::vector<Variant> widths;
@@ -210,6 +230,10 @@ void SecondaryHeadingsForm::tgrd_Secondary_BeforeColUpdate(int colIndex, bool& c
     common::Trap("frm_SecondaryHeadings.tgrd_Secondary_BeforeColUpdate", [&] {
         if (colIndex != kName || !runtime::Trim(tgrd_Secondary.Columns(kName).Text.Get()).empty())
             return;
+        if (!RowIsThere()) {
+            TellRowGone();
+            return;
+        }
         // The heading's own row goes by the heading's name and needs none of its own.
         if (IsOwnRow())
             return;
@@ -295,17 +319,8 @@ void SecondaryHeadingsForm::cmd_Add_Click() {
             common::ShowInputBox("Enter Secondary Heading Name", "Add Secondary Heading", "", kNameLimit)));
         if (name.empty())
             return;
-        const HeadingFields heading = ReadHeading(*db, Account());
+        AddRow(*db, Account(), *code, name);
         db->Close();
-        auto& rows = dat_Secondary.Recordset();
-        rows.AddNew();
-        rows["Secondary Codes ID"] = *code;
-        rows["Main Code ID"] = Account();
-        for (const char* field : {"Name", "Englishname", "Spanishname", "Portuguesename"})
-            rows[field] = name;
-        rows["Cached Name"] = CachedName(heading.name, name);
-        rows["TaxNumID"] = heading.taxNumber;
-        rows.Update();
         dat_Secondary.Refresh();
         GoTo(*code);
         tgrd_Secondary.SetFocus();
