@@ -26,7 +26,8 @@ namespace {
 
 constexpr int kOlderFrame = 1;
 constexpr int kDefaultCashbook = 6100;
-constexpr int kMargin = 456; // twips of the grid beside its columns: row marks and scroll bar
+constexpr int kMargin = 456;        // twips of the grid beside its columns: row marks and scroll bar
+constexpr int kNarrowestName = 600; // twips, of a column that the user has narrowed
 constexpr int kSpanishHeadLines = 3;
 constexpr int kFirstPrintable = 33, kLastPrintable = 126;
 constexpr int kStockUse = 1, kCropUse = 2; // planner uses whose headings have a planner tab
@@ -293,7 +294,7 @@ void HeadingsPage::SetHeadingColumns(controls::Grid& grid) {
     name.Caption = hideLocked ? "Cashbook Headings" : "Heading Names";
     // Only a change of the option touches the width: what the user has set stays otherwise.
     if (hidesLocked_ != hideLocked) {
-        const int own = name.Width - nameWidened_;
+        const int own = std::max(name.Width - nameWidened_, kNarrowestName);
         const int flag = grid.Columns(kShowInCashbook).Width;
         nameWidened_ = hideLocked ? flag : own > flag ? -flag : 0;
         name.Width = own + nameWidened_;

@@ -97,18 +97,11 @@ GridView::GridView(FormView& form, controls::Grid& grid, QTableView& table)
 
     connect(&heads, &QHeaderView::sectionClicked, this,
             [this](int col) { Do([&] { grid_.PressHead(col); }); });
-    connect(&heads, &QHeaderView::sectionResized, this, [this](int col, int, int pixels) {
+    connect(&heads, &QHeaderView::sectionResized, this, [this] {
         PlaceEditor();
-        // The last column that is shown fills the space that is left; that is no width of its own, though it
-        // changes while the user drags another one's border.
-        bool last = true;
-        for (int behind = col + 1; behind < grid_.ColumnCount(); ++behind)
-            last = last && !grid_.Columns(behind).Visible;
-        const bool byUser = !showing_ && !FillsWidth() && !last && col < grid_.ColumnCount() && pixels > 0 &&
-                            (QGuiApplication::mouseButtons() & Qt::LeftButton);
-        if (byUser)
-            grid_.Columns(col).Width = static_cast<int>(pixels * kTwipsPerPixel / Scale());
+        widthsMoved_ |= headsHeld_ && !showing_;
     });
+    heads.viewport()->installEventFilter(this);
     connect(&rows, &QHeaderView::sectionPressed, this, [this](int row) {
         Do([&] { row < grid_.RowCount() ? grid_.GoToRow(row) : grid_.GoToNewRow(); });
     });
@@ -249,6 +242,33 @@ void GridView::FitColumns() {
     for (const int col : open)
         table_.setColumnWidth(col, static_cast<int>(PixelsOf(grid_.Columns(col).Width) / wanted * room));
     showing_ = false;
+}
+
+// Columns whose borders the user has moved are as wide as they are shown from now on. The last one fills the
+// space that is left, which is no width of its own; columns that share out the table change together.
+void GridView::KeepWidths() {
+    headsHeld_ = false;
+    if (!std::exchange(widthsMoved_, false) || IsDetached())
+        return;
+    int behindLast = grid_.ColumnCount();
+    while (behindLast > 0 && !grid_.Columns(behindLast - 1).Visible)
+        --behindLast;
+    const double scale = Scale();
+    for (int col = 0; col < (FillsWidth() ? behindLast : behindLast - 1); ++col) {
+        controls::Column& column = grid_.Columns(col);
+        const int pixels = table_.columnWidth(col);
+        if (column.Visible && pixels != static_cast<int>(PixelsOf(column.Width) * scale))
+            column.Width = static_cast<int>(pixels * kTwipsPerPixel / scale);
+    }
+}
+
+bool GridView::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick)
+        headsHeld_ = true;
+    else if (event->type() == QEvent::MouseButtonRelease) // which the heads are still to see
+        QMetaObject::invokeMethod(
+            this, [this] { KeepWidths(); }, Qt::QueuedConnection);
+    return ControlView::eventFilter(watched, event);
 }
 
 // What the caption needs: all of it on one line, the longest word where it may wrap.
@@ -548,7 +568,8 @@ bool GridView::OtherEvent(QWidget& on, QEvent& event) {
         }
     }
     if (event.type() == QEvent::Resize && &on == table_.viewport()) {
-        FitColumns();
+        if (!headsHeld_)
+            FitColumns();
         PlaceEditor();
         TellShownRows();
     } else if (event.type() == QEvent::FocusIn || event.type() == QEvent::FocusOut ||

@@ -27,6 +27,7 @@ public:
     bool MousePressed(QWidget& on, const QMouseEvent& event) override;
     bool TakesWheel() override { return true; }
     bool OtherEvent(QWidget& on, QEvent& event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override; // of the heads
 
     // The field over the cell in edit; nullptr.
     QLineEdit* Editor() const { return editor_; }
@@ -43,6 +44,7 @@ private:
     void TellShownRows();
     bool FillsWidth() const;
     void FitColumns();
+    void KeepWidths();
     // Puts the text of the current cell on the clipboard, or all that the row shows, between tabs.
     void Copy(bool wholeRow) const;
     int CaptionWidth(int col) const; // pixels
@@ -69,6 +71,7 @@ private:
     QPointer<QWidget> dropMark_;
     bool columnsChanged_ = false, rowsChanged_ = false, currentChanged_ = false, flushing_ = false;
     bool showing_ = false, queued_ = false;
+    bool headsHeld_ = false, widthsMoved_ = false; // the mouse is down on the heads; it has moved a border
 };
 
 } // namespace quillary::qt

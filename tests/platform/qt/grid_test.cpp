@@ -10,6 +10,7 @@
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QListView>
+#include <QMouseEvent>
 #include <QTableView>
 
 #include <gtest/gtest.h>
@@ -158,6 +159,36 @@ TEST_F(GridTest, ColumnsThatFillTheTableKeepRoomForTheirCaptions) {
     // Where it may wrap, its longest word has to fit.
     EXPECT_LT(widthUnder(2), whole);
     EXPECT_GE(widthUnder(2), metrics.horizontalAdvance(QStringLiteral("registrations")));
+}
+
+TEST_F(GridTest, ABorderThatTheUserMovesStaysWhereItWasLet) {
+    auto& grid = form.tgrd_rows;
+    ShowGrid(2);
+    QHeaderView& heads = *Table().horizontalHeader();
+    for (const bool fills : {false, true}) {
+        Table().setProperty("fillWidth", fills);
+        grid.Columns(0).Width = 1500;
+        View().Flush();
+        const int former = Table().columnWidth(0);
+        const auto mouse = [&](QEvent::Type type, int x, Qt::MouseButtons held) {
+            const QPointF place(x, 5);
+            QMouseEvent event(type, place, heads.viewport()->mapToGlobal(place), Qt::LeftButton, held,
+                              Qt::NoModifier);
+            QApplication::sendEvent(heads.viewport(), &event);
+        };
+        const int border = heads.sectionViewportPosition(0) + former - 1;
+        mouse(QEvent::MouseButtonPress, border, Qt::LeftButton);
+        for (int moved = 10; moved <= 40; moved += 10) {
+            mouse(QEvent::MouseMove, border + moved, Qt::LeftButton);
+            Settle();
+        }
+        mouse(QEvent::MouseButtonRelease, border + 40, Qt::NoButton);
+        Settle();
+        EXPECT_NEAR(Table().columnWidth(0), former + 40, 2) << fills;
+        grid.Columns(1).Caption = "Shown anew";
+        View().Flush();
+        EXPECT_NEAR(Table().columnWidth(0), former + 40, 3) << fills;
+    }
 }
 
 TEST_F(GridTest, TheEditorKeepsTheKeyboardAndLeavingTheGridWritesTheRow) {
