@@ -5,7 +5,11 @@
 #include "platform/qt/icons.h"
 #include "platform/qt/theme.h"
 
+#include <QAbstractItemView>
+#include <QHelpEvent>
 #include <QPainter>
+#include <QTextDocument>
+#include <QToolTip>
 
 namespace quillary::qt {
 
@@ -78,6 +82,17 @@ void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
         painter->drawRect(QRectF(option.rect).adjusted(1, 1, -1.5, -1.5));
         painter->restore();
     }
+}
+
+bool GridDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+                             const QModelIndex& index) {
+    const QString text = index.data(Qt::DisplayRole).toString();
+    const bool whole =
+        QFontMetrics(option.font).horizontalAdvance(text) <= option.rect.width() - 2 * kCellMargin;
+    if (event->type() != QEvent::ToolTip || whole)
+        return QStyledItemDelegate::helpEvent(event, view, option, index);
+    QToolTip::showText(event->globalPos(), Qt::convertFromPlainText(text, Qt::WhiteSpaceNoWrap), view);
+    return true;
 }
 
 QSize GridDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex&) const {
