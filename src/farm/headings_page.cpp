@@ -49,13 +49,13 @@ struct HeadingColumn {
 // ten letters that the old grid had for the gross margin shows the text as it is.
 constexpr HeadingColumn kColumns[] = {
     {"Account Code", "Account Code", "", 1200, true},
-    {"Heading Name", "Account Name", "", 3350},
+    {"Heading Name", "Account Name", "", 4150},
     {"", "TaxNumber", "", 1400}, // captioned at run time
-    {"Show in Cashbook", "Show in CashBk", "Yes/No", 1500},
+    {"Show in Cashbook", "Show in CashBk", "Yes/No", 1250},
     {"Income Taxable", "IncomeTax", "", 1150},
-    {"Accountants Code", "Accountants Code", "", 1700},
-    {"Gross Margin", "Account Level", "", 1300},
-    {"Planner Use", "Planner Use", "", 1300, true},
+    {"Accountants Code", "Accountants Code", "", 1400},
+    {"Gross Margin", "Account Level", "", 1200},
+    {"Planner Use", "Planner Use", "", 1150, true},
     {"Category", "Category Name", "", 1600, true},
 };
 
