@@ -185,7 +185,7 @@ public:
 protected:
     bool TakesFocus() const override { return true; }
     void OnPropertySet(Aspect aspect) override;
-    bool ApplyKey(const Key& key) override; // arrows, typing, F2, Escape, Delete, Enter
+    bool ApplyKey(const Key& key) override; // arrows, Home, End, typing, F2, Escape, Delete, Enter
     bool LeavingFocus() override;
 
 private:

@@ -234,7 +234,8 @@ Outcome Grid::DropRow(Grid& from, long row, long before) {
 }
 
 bool Grid::ApplyKey(const Key& key) {
-    if (key.shift & (kCtrlMask | kAltMask))
+    const bool ctrl = key.shift & kCtrlMask;
+    if ((key.shift & kAltMask) || (ctrl && key.code != kKeyHome && key.code != kKeyEnd))
         return false;
     const long row = ReadRow();
     auto goTo = [&](long target) {
@@ -244,8 +245,8 @@ bool Grid::ApplyKey(const Key& key) {
             GoToRow(std::clamp(target, 0L, RowCount() - 1));
         return true;
     };
-    auto sideways = [&](int step) {
-        for (int col = col_ + step; col >= 0 && col < ColumnCount(); col += step)
+    auto sideways = [&](int from, int step) {
+        for (int col = from; col >= 0 && col < ColumnCount(); col += step)
             if (Columns(col).Visible) {
                 MoveToColumn(col);
                 break;
@@ -262,9 +263,13 @@ bool Grid::ApplyKey(const Key& key) {
     case kKeyPageDown:
         return goTo(std::min(row + kPageStep, std::max(row, RowCount() - 1)));
     case kKeyLeft:
-        return sideways(-1);
+        return sideways(col_ - 1, -1);
     case kKeyRight:
-        return sideways(1);
+        return sideways(col_ + 1, 1);
+    case kKeyHome:
+        return ctrl ? goTo(0) : sideways(0, 1);
+    case kKeyEnd:
+        return ctrl ? goTo(RowCount() - 1) : sideways(ColumnCount() - 1, -1);
     case kKeyReturn:
         if (!edit_)
             return false;
