@@ -184,8 +184,12 @@ void GridView::Flush() {
     if (std::exchange(currentChanged_, false)) {
         model_.TakeCurrent();
         ShowCurrent();
+        const bool wasOpen = editor_ != nullptr;
         ShowEditor();
         PlaceEditor();
+        // Opened by a routine: typing goes over what is there, as behind F2.
+        if (editor_ && !wasOpen)
+            editor_->selectAll();
     }
     flushing_ = false;
     TellShownRows();
