@@ -178,8 +178,13 @@ bool Grid::EndCell() {
     Tell(Aspect::Cells);
     const Variant newValue = CellValue(ReadRow(), col);
     const bool changed = runtime::TextOf(newValue) != runtime::TextOf(oldValue);
-    if (!changed)
+    if (!changed) {
+        if (onNewRow_) {
+            restore(); // a blank typed into the empty row is no row yet
+            inserting_ = HasPending();
+        }
         return true;
+    }
     bool cancel = false;
     BeforeColUpdate.Raise(col, oldValue, cancel);
     if (cancel) {
