@@ -8,6 +8,7 @@
 #include "config/globals.h"
 #include "config/profile_store.h"
 #include "farm/enterprise_sync.h"
+#include "farm/save_frame.h"
 #include "platform/database/errors.h"
 #include "platform/runtime/conversions.h"
 #include "platform/runtime/locale.h"
@@ -69,6 +70,7 @@ EnterprisesPage::EnterprisesPage(common::Screen& screen, controls::Panel& panel)
         column.Width = described.width;
     }
     tgrd_enterprises.AllowAddNew = true;
+    tgrd_enterprises.Col = kNameColumn; // a key at first sight is no new code
     tgrd_enterprises.SetDataSource(&dat_enterprises);
 
     cmd_AddEnt.On(&controls::CommandButton::Click, [this](int index) { cmd_AddEnt_Click(index); });
@@ -89,6 +91,9 @@ void EnterprisesPage::SetUp(int& /*frame*/) {
 }
 
 common::SaveResult EnterprisesPage::Save(common::SaveContext& /*context*/) {
+    // What is still in edit, as when a key leads to another page, is a part of what is brought up to date.
+    if (!tgrd_enterprises.CommitRow())
+        throw runtime::RunTimeError(kErrBoundValue);
     EnterpriseSync();
     return common::SaveResult::Saved;
 }

@@ -13,8 +13,6 @@ namespace quillary::farm {
 
 namespace {
 
-constexpr int kErrBoundValue = 524; // a data control cannot store what a bound control holds
-
 void ShowFault(const char* text, int number) {
     common::Message message(text, "An Error has Occurred");
     message.subHeading = "Error " + std::to_string(number);
