@@ -252,6 +252,7 @@ void DataControl::UpdateRecord() {
     if (!codeEdits && !below.Updatable() && !HasChanges())
         return;
     const bool rowComes = adding || below.Editing() == database::EditMode::AddNew;
+    const bool nothingToWrite = !codeEdits && !HasChanges();
     try {
         if (!codeEdits)
             adding ? below.AddNew() : below.Edit();
@@ -261,9 +262,12 @@ void DataControl::UpdateRecord() {
             ThrowCannotStore(error, FullName(), "the row in edit"); // of a grid, whose own writing tells more
         }
         UpdateRow(adding);
-    } catch (...) {
+    } catch (const runtime::RunTimeError& error) {
         if (below.Editing() != database::EditMode::None)
             below.CancelUpdate();
+        // A row that another program has deleted is no current record any more.
+        if (error.Number() == database::kErrRecordDeleted && nothingToWrite)
+            return;
         throw;
     }
     if (rowComes)
