@@ -464,12 +464,16 @@ void HeadingsPage::GridError(controls::Grid& grid, int dataError, int& response)
         TellChoices(grid.Columns(grid.Col.Get()));
     } else if (dataError == database::kErrRecordDeleted) {
         response = 0;
-        common::ShowMessage(common::Message("This heading has been deleted by another program. The list is "
-                                            "shown anew.",
-                                            "Information"));
         grid.DataChanged = false;
-        RefreshHeadings();
+        TellHeadingGone();
     }
+}
+
+void HeadingsPage::TellHeadingGone() {
+    common::ShowMessage(common::Message("This heading has been deleted by another program. The list is "
+                                        "shown anew.",
+                                        "Information"));
+    RefreshHeadings();
 }
 
 void HeadingsPage::TellTooLong(controls::Grid& grid) {
@@ -512,7 +516,14 @@ void HeadingsPage::cmd_secheads_Click() {
         common::IgnoreErrors([&] { tgrd_codes2.Update(); });
         if (screen_.LeaveCurrentPage()) {
             SecondaryHeadingsEditor editor;
-            editor.SetAccount(runtime::CLng(dat_Codes.Recordset()["Account Code"].Value()));
+            try {
+                editor.SetAccount(runtime::CLng(dat_Codes.Recordset()["Account Code"].Value()));
+            } catch (const runtime::RunTimeError& error) {
+                if (error.Number() != database::kErrRecordDeleted)
+                    throw;
+                TellHeadingGone();
+                return;
+            }
             editor.Show(config::gShellLaunch);
         }
         RefreshHeadings();

@@ -62,6 +62,7 @@ private:
     void GridKeyPress(controls::Grid& grid, int keyAscii);
     void GridError(controls::Grid& grid, int dataError, int& response);
     void TellTooLong(controls::Grid& grid); // each cell, and gives it its stored text back
+    void TellHeadingGone();                 // the current one; and shows the list anew
     void tgrd_Codes_AfterUpdate();
     void tgrd_Codes_LostFocus();
     void chkDetails_Click();
