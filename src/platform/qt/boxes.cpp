@@ -13,6 +13,7 @@
 #include <QDoubleValidator>
 #include <QFontDatabase>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -205,6 +206,16 @@ QAbstractButton* MessageBox::Button(int answer) const {
 
 QString MessageBox::Text() const {
     return text_->toPlainText();
+}
+
+void MessageBox::keyPressEvent(QKeyEvent* event) {
+    if (event->modifiers() == Qt::NoModifier || event->modifiers() == Qt::ShiftModifier)
+        for (const auto& [answer, button] : buttons_)
+            if (button->shortcut() == QKeySequence(Qt::ALT | static_cast<Qt::Key>(event->key()))) {
+                button->click();
+                return;
+            }
+    Box::keyPressEvent(event);
 }
 
 void MessageBox::reject() {

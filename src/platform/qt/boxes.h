@@ -34,6 +34,8 @@ public:
     QString Text() const;
 
 protected:
+    // A button's letter presses it, with or without Alt: nothing is typed in such a box.
+    void keyPressEvent(QKeyEvent* event) override;
     void reject() override;
 
 private:

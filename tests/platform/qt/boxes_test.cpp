@@ -63,6 +63,7 @@ TEST_F(BoxesTest, MessageBoxesAnswerByNumber) {
         {kButtonsYesNo, "Enter", kAnswerYes},
         {kButtonsYesNo, "Escape", kAnswerNo},
         {kButtonsYesNoCancel, "Escape", kAnswerCancel},
+        {kButtonsYesNo, "n", kAnswerNo}, // a button's letter alone
     };
     for (const Case& given : kCases) {
         Answer([&](QDialog& box) {
