@@ -59,6 +59,8 @@ PlannerPage::PlannerPage(common::Screen& screen, controls::Panel& panel)
     lbl_bgtstart.Caption = "Budget Year Start";
     lbl_OpBalance.Caption = "Opening Balance";
     cmd_ChangeGSTAcct.Caption = "&Change";
+    // The tax's name is the user's, and may hold an "&".
+    lbl_plannerGSt.UseMnemonic = chk_PlannerGST.UseMnemonic = lbl_GSTHeading.UseMnemonic = false;
     txt_season.SetBuddy(&lbl_bgtseason);
     txt_BudgetYear.SetBuddy(&lbl_bgtstart);
     txt_OpBalance.SetBuddy(&lbl_OpBalance);

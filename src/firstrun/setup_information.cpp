@@ -83,6 +83,7 @@ FrmUnits::FrmUnits(common::Screen& screen)
     lbl_optDiary(kImperial).Caption = "Imperial (Acres, Pounds, Yards)";
     lbl_optDiary(kMetric).Caption = "Metric (Hectares, Kgs, Metres)";
     cmd_Okay.Caption = "&OK";
+    lbl_taxrate.UseMnemonic = lbl_taxBasis.UseMnemonic = false; // the tax's name may hold an "&"
     txt_farmname.SetBuddy(&lbl_name);
     txt_farmarea.SetBuddy(&lbl_area);
     txt_taxrate.SetBuddy(&lbl_taxrate);

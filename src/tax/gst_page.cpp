@@ -174,6 +174,7 @@ bool GstPage::OpenRates() {
 void GstPage::SetUpTypes(const std::vector<std::string>& tokens) {
     if (config::GetDevelopment()) {
         cmd_AddGSTType.Visible = true;
+        cmd_AddGSTType.UseMnemonic = false;
         cmd_AddGSTType.Caption = config::TranslateTokens("Add |0| types", tokens);
     }
     types_.SetUpGSTTypes(config::TranslateTokens("|0| Type", tokens));
@@ -219,7 +220,7 @@ void GstPage::txt_GSTRate_Validate(int index, bool& cancel) {
     common::Trap("frm_setup.txt_GSTRate_Validate", [&] {
         controls::TextBox& rate = txt_GSTRate(index);
         if (runtime::IsNumeric(rate.Text) && runtime::Val(rate.Text.Get()) <= kHighestRate)
-            return; // meant: below zero, too
+            return; // meant: below zero, too, and "1,000", of which Val reads the 1 alone
         rate.Text = keptRate_;
         cancel = true;
     });

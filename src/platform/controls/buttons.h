@@ -11,11 +11,14 @@ public:
     CommandButton(Form& form, std::string name, int index = kNoIndex);
 
     Property<std::string> Caption{*this, Aspect::Caption};
+    Property<bool> UseMnemonic{*this, Aspect::Caption, true}; // False: the caption is shown as it stands
     Property<std::string> Picture{*this, Aspect::Picture};
     Property<bool> Default{*this, Aspect::Other, false}; // Enter presses it
     Property<bool> Cancel{*this, Aspect::Other, false};  // Escape presses it
 
-    std::string CaptionText() const override { return Caption; }
+    std::string CaptionText() const override {
+        return UseMnemonic ? Caption.Get() : LiteralCaption(Caption.Get());
+    }
     Outcome Press() override;
     std::optional<std::string> PropertyText(std::string_view property) const override;
 
@@ -46,11 +49,14 @@ public:
     ~CheckBox() override;
 
     Property<std::string> Caption{*this, Aspect::Caption};
+    Property<bool> UseMnemonic{*this, Aspect::Caption, true}; // False: the caption is shown as it stands
     Property<int> Value{*this, Aspect::Value, kUnchecked};
     Property<bool> DataChanged{*this, Aspect::Other, false};
 
     void Bind(DataControl& source, std::string field);
-    std::string CaptionText() const override { return Caption; }
+    std::string CaptionText() const override {
+        return UseMnemonic ? Caption.Get() : LiteralCaption(Caption.Get());
+    }
     Outcome Press() override; // the other value, then Click
     Outcome Check(bool on) override;
     std::optional<std::string> PropertyText(std::string_view property) const override;

@@ -223,6 +223,13 @@ std::string MarkedCaption(std::string_view caption) {
     return marked;
 }
 
+std::string LiteralCaption(std::string_view text) {
+    std::string caption;
+    for (const char letter : text)
+        caption += letter == '&' ? std::string("&&") : std::string(1, letter);
+    return caption;
+}
+
 char32_t Accelerator(std::string_view caption) {
     for (std::size_t at = 0; at + 1 < caption.size(); ++at) {
         if (caption[at] != '&' || IsLiteral(caption, at))

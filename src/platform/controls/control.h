@@ -235,6 +235,8 @@ private:
 std::string PlainCaption(std::string_view caption);
 // "VAT & duty" -> "VAT && duty": for toolkits, in which every single "&" marks.
 std::string MarkedCaption(std::string_view caption);
+// "R&D" -> "R&&D": the caption of a control without accelerators, which shows every "&" of its text.
+std::string LiteralCaption(std::string_view text);
 // The accelerator of a caption as a capital letter; 0 when it has none.
 char32_t Accelerator(std::string_view caption);
 

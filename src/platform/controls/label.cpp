@@ -18,12 +18,7 @@ void Label::Bind(DataControl& source, std::string field) {
 }
 
 std::string Label::CaptionText() const {
-    if (UseMnemonic)
-        return Caption;
-    std::string text;
-    for (const char letter : Caption.Get())
-        text += letter == '&' ? std::string("&&") : std::string(1, letter);
-    return text;
+    return UseMnemonic ? Caption.Get() : LiteralCaption(Caption.Get());
 }
 
 Outcome Label::Press() {

@@ -252,6 +252,7 @@ TEST(Keys, CaptionsMarkLettersAlone) {
         EXPECT_EQ(PlainCaption(c.caption), c.plain);
         EXPECT_EQ(MarkedCaption(c.caption), c.marked);
         EXPECT_EQ(Accelerator(c.caption), c.letter) << c.caption;
+        EXPECT_EQ(PlainCaption(LiteralCaption(c.caption)), c.caption);
     }
 }
 
