@@ -120,14 +120,15 @@ void GSTTypes::FillTaxArray(std::string_view sql, std::string_view databasePath)
             upperRow = types->RecordCount() - 1;
             types->MoveFirst();
         }
-        types_ = std::make_shared<controls::QYxArray>();
-        types_->ReDim(0, upperRow, kTypeID, kCountry);
+        // Taken when all is read: rows without their numbers would be saved as new ones.
+        const auto array = std::make_shared<controls::QYxArray>();
+        array->ReDim(0, upperRow, kTypeID, kCountry);
         for (long row = 0; !types->EOF_(); types->MoveNext(), ++row)
             for (int column = kTypeID; column <= kCountry; ++column)
                 // A Null has no text: its cell stays empty.
                 common::IgnoreErrors(
-                    [&] { types_->Value(row, column) = runtime::CStr((*types)[column].Value()); });
-        grid_.Array = types_;
+                    [&] { array->Value(row, column) = runtime::CStr((*types)[column].Value()); });
+        grid_.Array = types_ = array;
         grid_.Refresh();
         grid_.ReBind();
         types->Close();
