@@ -133,10 +133,19 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 };
 
-// The place of a page, which the page's own layout fills. It stays empty while the page has none.
-class PagePlace : public QWidget {
+// One of the pages of a stack. While another one is shown it asks for no room: a stack wants that of its
+// largest page, and a short page would scroll because of a long one.
+class StackPage : public QWidget {
 public:
-    explicit PagePlace(QWidget* parent = nullptr) : QWidget(parent) {}
+    explicit StackPage(QWidget* parent = nullptr) : QWidget(parent) {}
+    QSize minimumSizeHint() const override { return isHidden() ? QSize(0, 0) : QWidget::minimumSizeHint(); }
+    int heightForWidth(int width) const override { return isHidden() ? -1 : QWidget::heightForWidth(width); }
+};
+
+// The place of a page, which the page's own layout fills. It stays empty while the page has none.
+class PagePlace : public StackPage {
+public:
+    explicit PagePlace(QWidget* parent = nullptr) : StackPage(parent) {}
 };
 
 // A word of explanation, less strong than the text around it.

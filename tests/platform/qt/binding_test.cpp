@@ -9,6 +9,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QInputMethodEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListView>
 #include <QMouseEvent>
@@ -16,7 +17,9 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScreen>
+#include <QStackedWidget>
 #include <QTabBar>
+#include <QVBoxLayout>
 #include <QWheelEvent>
 
 #include <gtest/gtest.h>
@@ -224,6 +227,23 @@ TEST_F(BindingTest, ScreenReadersAreToldNamesAndTheWheelChangesNothing) {
     QApplication::sendEvent(&combo, &wheel);
     EXPECT_EQ(form.cbo_unit.ListIndex, 0);
     EXPECT_EQ(combo.currentIndex(), 0);
+}
+
+TEST_F(BindingTest, AShortPageOfAStackDoesNotScrollForALongOne) {
+    QStackedWidget stack;
+    for (const int height : {900, 40}) {
+        auto* page = new StackPage;
+        auto* lines = new QLabel(QStringLiteral("a text of two words"), page);
+        lines->setWordWrap(true);
+        lines->setMinimumHeight(height);
+        (new QVBoxLayout(page))->addWidget(lines);
+        stack.addWidget(page);
+    }
+    stack.show();
+    EXPECT_GE(stack.heightForWidth(300), 900);
+    stack.setCurrentIndex(1);
+    EXPECT_LT(stack.heightForWidth(300), 200);
+    EXPECT_LT(stack.minimumSizeHint().height(), 200);
 }
 
 } // namespace quillary::qt::testing
