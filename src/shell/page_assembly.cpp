@@ -175,8 +175,10 @@ void SelectTabByKey(int keyCode, int shift, FrmSetup& form) {
         const auto row = std::find_if(gFrames.begin(), gFrames.end(), [&](const config::FrameRecord& frame) {
             return frame.Key.size() == 1 && static_cast<unsigned char>(frame.Key[0]) == keyCode;
         });
-        if (row != gFrames.end())
-            form.tab_Setup.CurrTab = static_cast<int>(row - gFrames.begin());
+        const auto tab = static_cast<int>(row - gFrames.begin());
+        // Picked as by the mouse, so that the control with the focus is left before its page is saved.
+        if (row != gFrames.end() && tab != form.tab_Setup.CurrTab)
+            form.tab_Setup.PickTab(tab);
     });
 }
 
