@@ -58,6 +58,19 @@ common::FieldPrompt NamePrompt(const char* field, const char* word, int maxLengt
     return prompt;
 }
 
+// The Validate routine of a grid.
+void SaveLeft(controls::Grid& grid, controls::DataControl& data, const char* routine, bool& cancel) {
+    common::Trap(routine, [&] {
+        // The cell that is still in edit belongs to the row that is written.
+        if (grid.EndEdit())
+            common::SaveGridRecordset(grid, data);
+        else
+            cancel = true;
+    });
+    if (grid.DataChanged) // it could not be written, which was told, and stays
+        cancel = true;
+}
+
 } // namespace
 
 Deductions::Deductions(common::Screen& screen, controls::Panel& rates, controls::Panel& deductions,
@@ -121,13 +134,11 @@ Deductions::Deductions(common::Screen& screen, controls::Panel& rates, controls:
     tgrd_deductions.BeforeColUpdate = [this](int col, Variant&, bool& cancel) {
         tgrd_deductions_BeforeColUpdate(col, cancel);
     };
-    tgrd_taxrates.Validate = [this](bool&) {
-        common::Trap("frm_setup.tgrd_taxrates_Validate",
-                     [&] { common::SaveGridRecordset(tgrd_taxrates, dat_taxrates); });
+    tgrd_taxrates.Validate = [this](bool& cancel) {
+        SaveLeft(tgrd_taxrates, dat_taxrates, "frm_setup.tgrd_taxrates_Validate", cancel);
     };
-    tgrd_deductions.Validate = [this](bool&) {
-        common::Trap("frm_setup.tgrd_deductions_Validate",
-                     [&] { common::SaveGridRecordset(tgrd_deductions, dat_deductions); });
+    tgrd_deductions.Validate = [this](bool& cancel) {
+        SaveLeft(tgrd_deductions, dat_deductions, "frm_setup.tgrd_deductions_Validate", cancel);
     };
 }
 
