@@ -95,7 +95,12 @@ void Occupations::Show() {
 
 void Occupations::OccupationsEdited() {
     FillOccupations();
-    // The very first one: until now there was none to show.
+    // One that has been deleted is not shown any more, and nothing is written for it.
+    if (mOccupationID_ != 0 && com_award.FindData(mOccupationID_) == -1) {
+        mOccupationID_ = 0;
+        lists_.ReleaseSelectionArrays();
+    }
+    // Meant: another one keeps its lists, though the box may name the one that stands at its number now.
     if (mOccupationID_ == 0 && com_award.ListIndex > -1)
         Show();
 }
