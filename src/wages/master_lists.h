@@ -10,16 +10,12 @@ class MasterLists {
 public:
     explicit MasterLists(Occupations& occupations);
 
-    // False: the definition file could not be written, and no editor was opened.
-    bool ShowPayments();
-    bool ShowTaxAllow();
-    bool ShowNonTaxAllow();
-    // Ends with the box of the occupations filled anew.
+private:
+    // The table of the occupations; ends with their box filled anew.
     void ShowAwards();
     // The master table of a list; both lists show the edits afterwards.
     void EditMaster(int listNumber);
 
-private:
     Occupations& occupations_;
 };
 
