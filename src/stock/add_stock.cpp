@@ -22,9 +22,8 @@ constexpr int kEnter = 13, kDoubleQuote = 34, kApostrophe = 39;
 constexpr int kNumberLength = 20, kDescriptionLength = 255;
 
 // The season that the farm is in, as text of four digits.
-std::string CurrentSeason() {
-    auto db = config::DbEngine().OpenDatabase(config::GetDataFileName());
-    return std::to_string(SeasonYear(common::GetCurrentSeason(*db)));
+std::string CurrentSeason(database::Database& db) {
+    return std::to_string(SeasonYear(common::GetCurrentSeason(db)));
 }
 
 // The class of this name among all stock types, or -1.
@@ -119,8 +118,7 @@ void FrmAddStock::Form_Load() {
     try {
         auto db = config::DbEngine().OpenDatabase(config::GetDataFileName());
         SetStockFormPicture(picFormPic, state_);
-        lbl_season.Caption = config::TranslateTokens(
-            "Current season -|0|", std::vector{std::to_string(SeasonYear(common::GetCurrentSeason(*db)))});
+        lbl_season.Caption = config::TranslateTokens("Current season -|0|", std::vector{CurrentSeason(*db)});
         screen_.Decorate(*this);
         for (const char* entry : {"False", "True"})
             cbo_individual.AddItem(entry);
@@ -221,7 +219,7 @@ std::int32_t gNewStockType(StockPage& page) {
             if (classID == -1) {
                 classID = AddClass(page);
             } else {
-                const std::string season = CurrentSeason();
+                const std::string season = CurrentSeason(*db);
                 if (SeasonRowExists(*db, season, classID)) {
                     const std::vector<std::string> tokens = {runtime::UCase(state.gStockName), season};
                     common::ShowMessage(common::Message(
