@@ -22,6 +22,7 @@
 #include <QScrollBar>
 #include <QTextDocument>
 #include <QTextLayout>
+#include <QTextOption>
 #include <QVBoxLayout>
 
 namespace quillary::qt {
@@ -46,12 +47,31 @@ Kind KindOf(int icon) {
     return {Drawing::Notice, theme.dark ? QColor(0x90, 0xCA, 0xF9) : QColor(0x1F, 0x5F, 0xA8)};
 }
 
+// What a text takes below each other; a word without end is broken anywhere.
+int HeightOf(const QString& text, const QFont& font, int width) {
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    qreal height = 0;
+    for (const QString& paragraph : text.split(QLatin1Char('\n'))) {
+        QTextLayout layout(paragraph, font);
+        layout.setTextOption(option);
+        layout.beginLayout();
+        for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+            line.setLineWidth(width);
+            height += line.height();
+        }
+        layout.endLayout();
+    }
+    return static_cast<int>(height);
+}
+
 // A text that can be marked and copied, without a frame, as high as it needs to be.
 QPlainTextEdit* MakeText(const QString& text, QWidget* parent) {
     auto* shown = new QPlainTextEdit(text, parent);
     shown->setReadOnly(true);
     shown->setFrameShape(QFrame::NoFrame);
     shown->setTabChangesFocus(true);
+    shown->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     shown->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     shown->document()->setDocumentMargin(0);
     shown->viewport()->setAutoFillBackground(false);
@@ -64,9 +84,7 @@ QPlainTextEdit* MakeText(const QString& text, QWidget* parent) {
     for (const QString& line : text.split(QLatin1Char('\n')))
         widest = std::max(widest, metrics.horizontalAdvance(line) + 12);
     widest = std::min(widest, kWidest);
-    const int height =
-        metrics.boundingRect(QRect(0, 0, widest - 8, 1 << 20), Qt::TextWordWrap, text).height() +
-        metrics.lineSpacing() / 2;
+    const int height = HeightOf(text, shown->font(), widest - 8) + metrics.lineSpacing() / 2;
     const QScreen* onScreen = parent->screen();
     const int limit = (onScreen ? onScreen->availableGeometry().height() : 900) * 2 / 3 - 160;
     shown->setMinimumWidth(widest);

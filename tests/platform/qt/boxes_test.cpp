@@ -115,6 +115,11 @@ TEST_F(BoxesTest, MessageBoxesShowWhatTheyAreGiven) {
     services.messageBoxes->Show(request);
     EXPECT_LT(height, QGuiApplication::primaryScreen()->availableGeometry().height());
     EXPECT_GT(scrolls, 0);
+
+    // A word without end is broken, and all of it is seen.
+    request.prompt = std::string(300, 'W') + " is too long";
+    services.messageBoxes->Show(request);
+    EXPECT_EQ(scrolls, 0);
 }
 
 TEST_F(BoxesTest, InputBoxesGiveTheTextOrNothing) {
