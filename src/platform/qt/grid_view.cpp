@@ -333,6 +333,8 @@ void GridView::ShowEditor() {
         const int limit = grid_.Columns(col).MaxLength;
         if (limit > 0)
             GiveRoom(*editor_, limit, text);
+        // It stands where the cell's text stands.
+        editor_->setAlignment(model_.index(row, col).data(Qt::TextAlignmentRole).value<Qt::Alignment>());
         editorRow_ = row;
         editorCol_ = col;
         Form().Watch(*editor_);
@@ -539,9 +541,9 @@ void GridView::DragTo(const QPoint& place) {
     if (dropTarget_ && dropTarget_ != target)
         dropTarget_->ShowDropMark(-1);
     dropTarget_ = target;
-    if (target)
-        target->ShowDropMark(
-            target->GapAt(target->table_.viewport()->mapFromGlobal(table_.viewport()->mapToGlobal(place))));
+    // Only within its own list does the row go to the place below the mouse.
+    if (target == this)
+        ShowDropMark(GapAt(place));
 }
 
 void GridView::EndDrag(const QPoint& place) {
