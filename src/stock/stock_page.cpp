@@ -28,10 +28,10 @@ constexpr const char* kDefaultClasses[] = {"Ewes", "Bulls", "Stags", "Cows", "Ot
 
 StockPage::StockPage(common::Screen& screen, controls::Panel& panel)
     : Page(screen, panel, "stock_page"), tab_Stock(screen.ScreenForm(), "tab_Stock"),
-      dat_Stock(screen.ScreenForm(), "dat_Stock"), chk_StockSort(screen.ScreenForm(), "chk_StockSort"),
-      tgrd_StockNames(screen.ScreenForm(), "tgrd_StockNames"),
-      cmd_AddStock(screen.ScreenForm(), "cmd_AddStock"), cmd_EditStock(screen.ScreenForm(), "cmd_EditStock"),
-      cmd_Number(screen.ScreenForm(), "cmd_Number"), cmd_DeleteStock(screen.ScreenForm(), "cmd_DeleteStock"),
+      dat_Stock(screen.ScreenForm(), "dat_Stock"), tgrd_StockNames(screen.ScreenForm(), "tgrd_StockNames"),
+      chk_StockSort(screen.ScreenForm(), "chk_StockSort"), cmd_AddStock(screen.ScreenForm(), "cmd_AddStock"),
+      cmd_EditStock(screen.ScreenForm(), "cmd_EditStock"), cmd_Number(screen.ScreenForm(), "cmd_Number"),
+      cmd_DeleteStock(screen.ScreenForm(), "cmd_DeleteStock"),
       cmd_AddBulk(screen.ScreenForm(), "cmd_AddBulk"), img_stock(screen.ScreenForm(), "img_stock") {
     panel.Caption = "Stock";
     tab_Stock.Caption = "Sheep|Cattle|Deer|Dairy|Other";

@@ -20,8 +20,8 @@ public:
 
     controls::TabStrip tab_Stock;
     controls::DataControl dat_Stock;
-    controls::CheckBox chk_StockSort; // the list of classes is sorted by name
     controls::Grid tgrd_StockNames;
+    controls::CheckBox chk_StockSort; // the list of classes is sorted by name
     controls::CommandButton cmd_AddStock;
     controls::CommandButton cmd_EditStock;
     controls::CommandButton cmd_Number;
