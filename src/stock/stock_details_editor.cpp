@@ -76,6 +76,11 @@ void FrmStockClass::ReadClass() {
     const Variant individual = (*row)["Individual"].Value();
     chk_Individual.Value =
         !individual.IsNull() && runtime::CBool(individual) ? controls::kChecked : controls::kUnchecked;
+    read_ = Entered();
+}
+
+FrmStockClass::Details FrmStockClass::Entered() const {
+    return {txt_ClassName.Text, cbo_Sex.ListIndex, chk_Individual.Value == controls::kChecked};
 }
 
 void FrmStockClass::txt_ClassName_KeyPress(int& keyAscii) {
@@ -91,19 +96,23 @@ void FrmStockClass::cmd_Okay_Click() {
     });
 }
 
-// False: the name was refused with a message.
+// Only what was changed is written: another program may have changed the rest. False: the name was refused
+// with a message.
 bool FrmStockClass::StoreClass() {
-    if (txt_ClassName.Text.Get().empty()) {
+    const Details entered = Entered();
+    if (entered.name.empty()) {
         common::ShowMessage(common::Message("Need to enter a Stock name", "Required Field"));
         return false;
     }
     auto db = config::DbEngine().OpenDatabase(config::GetDataFileName());
     auto row = OpenClass(*db, classID_);
     row->Edit();
-    (*row)["Class Name"] = txt_ClassName.Text.Get();
-    if (cbo_Sex.ListIndex >= 0)
-        (*row)["Sex"] = cbo_Sex.ListIndex == kMale ? "M" : "F";
-    (*row)["Individual"] = chk_Individual.Value == controls::kChecked;
+    if (entered.name != read_.name)
+        (*row)["Class Name"] = entered.name;
+    if (entered.sex != read_.sex)
+        (*row)["Sex"] = entered.sex == kMale ? "M" : "F";
+    if (entered.individual != read_.individual)
+        (*row)["Individual"] = entered.individual;
     try {
         row->Update();
     } catch (const runtime::RunTimeError& error) {

@@ -11,6 +11,7 @@
 #include "stock/stock_state.h"
 
 #include <cstdint>
+#include <string>
 
 namespace quillary::stock {
 
@@ -31,12 +32,20 @@ public:
     controls::CommandButton cmd_cancel;
 
 private:
+    // What the controls say of the class.
+    struct Details {
+        std::string name;
+        int sex = -1; // entry of cbo_Sex
+        bool individual = false;
+    };
+    Details Entered() const;
     void ReadClass();
     bool StoreClass();
     void txt_ClassName_KeyPress(int& keyAscii);
     void cmd_Okay_Click();
 
     std::int32_t classID_;
+    Details read_; // as the class was when the dialog was shown
 };
 
 // Returns when the user has finished. tabNumber: the tab's place, from 1. Raises 3021 for a class that is
