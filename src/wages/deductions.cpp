@@ -170,7 +170,7 @@ void Deductions::TabShown(int tab) {
         common::SaveGridRecordset(tgrd_deductions, dat_deductions);
 }
 
-// A table that could not be opened when the page was shown is tried again, which tells why.
+// A table that could not be opened when the page was shown is tried again; the error is the caller's to tell.
 bool Deductions::IsOpen(const controls::DataControl& data) const {
     if (!data.HasRecordset() && SetUpAgain)
         SetUpAgain();

@@ -38,7 +38,8 @@ public:
     // A tab of the grids has been brought forward: what its grid still holds is written.
     void TabShown(int tab);
 
-    // Set by the page: sets up what could not be opened before, and opens the steps of the current rate.
+    // Set by the page: sets up what could not be opened before (the errors of the database), and opens the
+    // steps of the current rate.
     std::function<void()> SetUpAgain;
     std::function<void()> ShowTaxSteps;
 

@@ -3,7 +3,10 @@
 #include "common/error_report.h"
 #include "common/table_editor.h"
 #include "config/globals.h"
+#include "platform/runtime/run_time_error.h"
 #include "wages/tax_steps.h"
+
+#include <optional>
 
 namespace quillary::wages {
 
@@ -47,10 +50,7 @@ WagesPage::WagesPage(common::Screen& screen, controls::Panel& panel)
     tab_deductions.Switch = [this](int, int& newTab, bool&) {
         common::Trap("frm_setup.tab_deductions_Switch", [&] { deductions_.TabShown(newTab); });
     };
-    deductions_.SetUpAgain = [this] {
-        SetUpDeductionPage();
-        SetUpContributionPage();
-    };
+    deductions_.SetUpAgain = [this] { SetUpTables(); };
     deductions_.ShowTaxSteps = [this] { ShowTaxSteps(deductions_.dat_taxrates); };
     common::SetEditorMenu([](int argument) {
         common::Trap("frm_setup.mDataModule_MenuSelect", [&] { SetUpTaxSteps(argument); });
@@ -58,29 +58,38 @@ WagesPage::WagesPage(common::Screen& screen, controls::Panel& panel)
 }
 
 void WagesPage::SetUp(int& /*frame*/) {
-    SetUpDeductionPage();
-    SetUpContributionPage();
+    SetUpTables();
+}
+
+void WagesPage::SetUpTables() {
+    std::optional<runtime::RunTimeError> failed;
+    for (const auto setUp : {&WagesPage::SetUpDeductionPage, &WagesPage::SetUpContributionPage}) {
+        try {
+            (this->*setUp)();
+        } catch (const runtime::RunTimeError& error) {
+            if (!failed)
+                failed = error;
+        }
+    }
+    if (failed)
+        throw *failed;
 }
 
 void WagesPage::SetUpDeductionPage() {
     if (config::gDeductionsLoaded)
         return;
-    common::Trap("SetUpDeductionPage", [&] {
-        deductions_.OpenDeductions();
-        esct_.SetUp();
-        deductions_.OpenTaxRates();
-        occupations_.FillOccupations();
-        config::gDeductionsLoaded = true;
-    });
+    deductions_.OpenDeductions();
+    esct_.SetUp();
+    deductions_.OpenTaxRates();
+    occupations_.FillOccupations();
+    config::gDeductionsLoaded = true;
 }
 
 void WagesPage::SetUpContributionPage() {
     if (config::gContributionsLoaded)
         return;
-    common::Trap("SetUpContributionPage", [&] {
-        deductions_.OpenContributions();
-        config::gContributionsLoaded = true;
-    });
+    deductions_.OpenContributions();
+    config::gContributionsLoaded = true;
 }
 
 void WagesPage::tab_wage_Switch(int newTab) {

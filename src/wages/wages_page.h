@@ -24,7 +24,7 @@ public:
     controls::Panel vse_Contributions;
     controls::Panel vse_ESCT;
 
-    // Opens the tables, once; what fails is reported, and tried again at the next showing.
+    // Opens the tables, once. The errors of the database; what failed is tried again at the next showing.
     void SetUp(int& frame) override;
     // What the screen does for the page whenever it comes to the front: an occupation is selected.
     void Refresh() { occupations_.SelectFirst(); }
@@ -33,6 +33,8 @@ public:
     void ReleaseSelectionArrays() { occupations_.Lists().ReleaseSelectionArrays(); }
 
 private:
+    // Both of the next two, whatever becomes of the first; what failed first is raised.
+    void SetUpTables();
     void SetUpDeductionPage();
     void SetUpContributionPage();
     void tab_wage_Switch(int newTab);
