@@ -94,13 +94,19 @@ void Control::Tell(Aspect aspect) {
         observer_(aspect);
 }
 
-Outcome Control::Reach() {
-    if (Form* top = TopForm(); top && top != &form_ && top->IsModal() && form_.IsOpen())
+Outcome Control::Reachable() const {
+    if (const Form* top = TopForm(); top && top != &form_ && top->IsModal() && form_.IsOpen())
         return Outcome::Impossible(form_.Name() + " waits for " + top->Name());
     if (!IsShown())
         return Outcome::Impossible(FullName() + " is not visible");
     if (!IsEnabled())
         return Outcome::Impossible(FullName() + " is disabled");
+    return Outcome::Done();
+}
+
+Outcome Control::Reach() {
+    if (Outcome reachable = Reachable(); !reachable)
+        return reachable;
     return TakesFocus() ? form_.FocusTo(*this) : Outcome::Done();
 }
 

@@ -152,7 +152,9 @@ protected:
     void Tell(Aspect aspect);
     // Controls may be hidden now: the form drops a focus that is no longer possible.
     void VisibilityChanged();
-    // Moves the focus here where the control can take it; Impossible where it is hidden or disabled.
+    // Impossible where the control is hidden or disabled, or its form waits for a dialog.
+    Outcome Reachable() const;
+    // Moves the focus here where the control can take it; Impossible as above.
     Outcome Reach();
     Outcome NoSuchGesture(std::string_view gesture) const;
 

@@ -122,6 +122,10 @@ Outcome Grid::EditCell(int col, std::string_view text) {
     if (Outcome moved = MoveToColumn(col); !moved)
         return moved;
     const Column& column = Columns(col);
+    if (column.ShowsPictures())
+        return text == " " ? ToggleCell(col)
+                           : Outcome::Impossible(FullName() + ": column " + std::to_string(col) +
+                                                 " shows pictures, which are clicked");
     // An entry of a list is picked, not typed.
     if (column.ValueItems.Translate && column.ValueItems.FindShown(text) >= 0) {
         if (Outcome begun = BeginEdit(col); !begun)
@@ -165,6 +169,8 @@ Outcome Grid::ToggleCell(int col) {
 }
 
 Outcome Grid::CommitRow() {
+    if (Outcome reachable = Reachable(); !reachable)
+        return reachable;
     return TryCommit() ? Outcome::Done() : Outcome::Refused(FullName() + " did not write its row");
 }
 

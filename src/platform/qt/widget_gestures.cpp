@@ -400,6 +400,8 @@ Outcome WidgetHand::EditCell(Grid& grid, int col, std::string_view text) {
     if (Outcome moved = MoveToColumn(grid, col); !moved || grid.Col != col || !grid.HasFocus())
         return moved;
     const controls::Column& column = grid.Columns(col);
+    if (column.ShowsPictures() && text == " ")
+        return ToggleCell(grid, col);
     if (column.ShowsPictures())
         return Outcome::Impossible(grid.FullName() + ": column " + std::to_string(col) +
                                    " shows pictures, which are clicked");
@@ -451,6 +453,8 @@ Outcome WidgetHand::ToggleCell(Grid& grid, int col) {
 }
 
 Outcome WidgetHand::CommitRow(Grid& grid) {
+    if (!grid.HasFocus())
+        return grid.CommitRow(); // a row is left from elsewhere without going to it
     return PressKey(grid, {controls::kKeyReturn, controls::kCtrlMask, 0});
 }
 
