@@ -160,7 +160,7 @@ Variant Dynaset::ReserveCounter(int position) const {
         }
         scope.Commit();
     }
-    const Variant value(static_cast<std::int32_t>(number));
+    Variant value(static_cast<std::int32_t>(number));
     pending_[static_cast<std::size_t>(position)] = value;
     return value;
 }
@@ -293,6 +293,7 @@ std::int64_t Dynaset::ChangeTable(int table, const std::vector<int>& set) {
 void Dynaset::InsertRow() {
     const int tables = static_cast<int>(query_->selection.tables.size());
     std::vector<std::vector<int>> sets;
+    sets.reserve(query_->selection.tables.size());
     for (int table = 0; table < tables; ++table) {
         sets.push_back(SetOf(table));
     }

@@ -35,8 +35,9 @@ Keyset::Keyset(std::shared_ptr<Connection> connection, const OpenedQuery& query)
             sqlite3_value* key = sqlite3_column_value(run, table);
             keys_.push_back(sqlite3_value_type(key) == SQLITE_NULL ? kNoRow : sqlite3_value_int64(key));
         }
+        ++count_;
     }
-    count_ = original_ = keys_.size() / tables_;
+    original_ = count_;
     if (count_ > 0) {
         Fetch(0, connection_->Now()); // the first row is nearly always read
     }
@@ -58,7 +59,7 @@ void Keyset::WriteTexts(const OpenedQuery& query) {
         addresses += (i == 0 ? "" : ", ") + address;
         tables += (i == 0 ? "" : ", ") + source;
         conditions += (i == 0 ? "" : " AND ") + condition;
-        outer += " LEFT JOIN " + source + " ON " + condition;
+        outer.append(" LEFT JOIN ").append(source).append(" ON ").append(condition);
     }
     const std::string select = "SELECT " + addresses + ", " + selection.columnsSql;
     rowSql_ = select + " FROM " + tables + " WHERE " + conditions;
