@@ -112,10 +112,13 @@ int main(int argc, char** argv) {
     auto services = system::MachineServices();
     qt::AddViewServices(services, host, ReportFile);
     system::SetServices(std::move(services));
+    int status = EXIT_SUCCESS;
     if (!line.screenshot.empty())
         host.SetFirstShown([&](QWidget& window) {
-            if (!window.grab().save(QString::fromStdString(line.screenshot)))
+            if (!window.grab().save(QString::fromStdString(line.screenshot))) {
                 std::fprintf(stderr, "QYSettings: %s cannot be written\n", line.screenshot.c_str());
+                status = EXIT_FAILURE;
+            }
             QMetaObject::invokeMethod(&window, "close", Qt::QueuedConnection);
         });
 
@@ -131,5 +134,5 @@ int main(int argc, char** argv) {
     // Windows of the services go while the toolkit is still there.
     controls::SetControlMessage(nullptr);
     system::SetServices(system::MachineServices());
-    return EXIT_SUCCESS;
+    return status;
 }
