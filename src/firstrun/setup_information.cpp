@@ -100,7 +100,6 @@ FrmUnits::FrmUnits(common::Screen& screen)
     for (controls::TextBox* box : {&txt_farmname, &txt_taxrate, &txtTaxoffice})
         box->GotFocus = [box] { SelectText(*box); };
     txt_farmarea.GotFocus = [this] {
-        txt_farmarea.SelStart = 0;
         txt_farmarea.SelLength = static_cast<int>(runtime::CharCount(txt_farmarea.Text.Get()));
     };
     opt_diary.On(&controls::OptionButton::Click, [this](int) { opt_diary_Click(); });

@@ -149,6 +149,8 @@ protected:
     // About to lose the focus, after its Validate event, before LostFocus; false keeps the focus. Where a
     // grid writes its row.
     virtual bool LeavingFocus() { return true; }
+    // Has the focus from now on, before GotFocus.
+    virtual void FocusComes() {}
     void Tell(Aspect aspect);
     // Controls may be hidden now: the form drops a focus that is no longer possible.
     void VisibilityChanged();

@@ -62,6 +62,7 @@ Outcome Form::FocusTo(Control& control) {
     if (active_ != old)
         return Outcome::Refused("The focus went to another control");
     active_ = &control;
+    control.FocusComes();
     Tell(Aspect::Focus, active_);
     if (old)
         old->LostFocus.Raise();

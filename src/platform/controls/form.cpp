@@ -137,6 +137,7 @@ void Form::FocusAtShow() {
     if (!active_)
         return;
     Control* first = active_;
+    first->FocusComes();
     Tell(Aspect::Focus, first);
     first->GotFocus.Raise();
 }

@@ -38,6 +38,13 @@ void TextBox::OnPropertySet(Aspect aspect) {
     SelLength.Store(0);
 }
 
+void TextBox::FocusComes() {
+    if (MultiLine)
+        return;
+    SelStart.Store(0);
+    SelLength.Store(Length(Text));
+}
+
 Outcome TextBox::TypeText(std::string_view text) {
     if (Outcome reached = Reach(); !reached)
         return reached;

@@ -36,6 +36,9 @@ protected:
     bool TakesFocus() const override { return true; }
     void OnPropertySet(Aspect aspect) override;
     bool ApplyKey(const Key& key) override;
+    // What the box holds is selected, so that typing replaces it; a click of the mouse places the cursor
+    // afterwards.
+    void FocusComes() override;
 
 private:
     bool HasChanges() const override { return DataChanged; }

@@ -163,6 +163,10 @@ TEST(Keys, EditTheTextAtTheCaret) {
     Screen s;
     s.form.Show();
     TextBox& box = s.txt_FinYear;
+    // Whoever comes to a box types over what it holds.
+    box.Text = "old";
+    box.PressKey(ParseKey("n"));
+    EXPECT_EQ(box.Text, "n");
     for (const auto& [keys, text] :
          std::vector<std::pair<std::vector<const char*>, const char*>>{{{"b", "c"}, "abc"},
                                                                        {{"Backspace", "Backspace"}, ""},
