@@ -241,8 +241,12 @@ Outcome Grid::DropRow(Grid& from, long row, long before) {
 
 bool Grid::ApplyKey(const Key& key) {
     const bool ctrl = key.shift & kCtrlMask;
-    if ((key.shift & kAltMask) || (ctrl && key.code != kKeyHome && key.code != kKeyEnd))
+    const int code = key.character > 32 ? 0 : key.code;
+    const bool toEnd = code == kKeyHome || code == kKeyEnd;
+    if ((key.shift & kAltMask) || (ctrl && !toEnd))
         return false;
+    if (toEnd && edit_)
+        return true; // within the text
     const long row = ReadRow();
     auto goTo = [&](long target) {
         if (target >= RowCount() && HasNewRow() && row < RowCount())
@@ -259,7 +263,7 @@ bool Grid::ApplyKey(const Key& key) {
             }
         return true;
     };
-    switch (key.character > 32 ? 0 : key.code) {
+    switch (code) {
     case kKeyUp:
         return goTo(row - 1);
     case kKeyDown:
