@@ -1,5 +1,6 @@
 #include "platform/qt/grid_view.h"
 
+#include "platform/qt/drop_list.h"
 #include "platform/qt/form_view.h"
 #include "platform/qt/keys.h"
 #include "platform/qt/text.h"
@@ -15,9 +16,7 @@
 #include <QListView>
 #include <QMouseEvent>
 #include <QScrollBar>
-#include <QStringListModel>
 #include <QTableView>
-#include <QVBoxLayout>
 
 namespace quillary::qt {
 
@@ -31,29 +30,6 @@ constexpr int kDesignLine = 13; // height of a line in the design's own font, pi
 constexpr int kDropMarkHeight = 3;
 // A layout's word that the columns share out the whole width of the table between them.
 constexpr const char* kFillWidth = "fillWidth";
-
-// The list below a cell. It closes by Escape, a click beside it, or a choice.
-class DropList : public QFrame {
-public:
-    DropList(QWidget* parent, const QStringList& entries) : QFrame(parent, Qt::Popup) {
-        setAttribute(Qt::WA_DeleteOnClose);
-        setFrameShape(QFrame::StyledPanel);
-        auto* layout = new QVBoxLayout(this);
-        layout->setContentsMargins(1, 1, 1, 1);
-        list_ = new QListView;
-        list_->setFrameShape(QFrame::NoFrame);
-        list_->setUniformItemSizes(true);
-        list_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-        list_->setMinimumSize(1, 1); // two entries are no less a list: no empty rows below them
-        list_->setModel(new QStringListModel(entries, list_));
-        layout->addWidget(list_);
-        setFocusProxy(list_);
-    }
-    QListView& List() { return *list_; }
-
-private:
-    QListView* list_;
-};
 
 bool EndsEdit(const controls::Key& key) {
     using namespace controls;
