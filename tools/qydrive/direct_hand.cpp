@@ -48,7 +48,10 @@ public:
     }
     Outcome MoveToColumn(controls::Grid& grid, int col) override { return grid.MoveToColumn(col); }
     Outcome ToggleCell(controls::Grid& grid, int col) override { return grid.ToggleCell(col); }
-    Outcome CommitRow(controls::Grid& grid) override { return grid.CommitRow(); }
+    Outcome CommitRow(controls::Grid& grid) override {
+        Outcome reachable = grid.Reachable();
+        return reachable ? grid.CommitRow() : reachable;
+    }
     Outcome DeleteRow(controls::Grid& grid) override { return grid.DeleteRow(); }
     Outcome Leave(controls::Form& form) override { return form.Leave(); }
     Outcome Close(controls::Form& form) override { return form.RequestClose(); }

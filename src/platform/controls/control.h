@@ -93,6 +93,8 @@ public:
     bool IsShown() const;
     // Itself and all panels around it enabled.
     bool IsEnabled() const;
+    // Impossible where the control is hidden or disabled, or its form waits for a dialog.
+    Outcome Reachable() const;
     // It is of a kind that takes the focus, shown and enabled.
     bool CanTakeFocus() const;
     bool HasFocus() const;
@@ -154,8 +156,6 @@ protected:
     void Tell(Aspect aspect);
     // Controls may be hidden now: the form drops a focus that is no longer possible.
     void VisibilityChanged();
-    // Impossible where the control is hidden or disabled, or its form waits for a dialog.
-    Outcome Reachable() const;
     // Moves the focus here where the control can take it; Impossible as above.
     Outcome Reach();
     Outcome NoSuchGesture(std::string_view gesture) const;

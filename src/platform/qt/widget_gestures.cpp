@@ -453,8 +453,10 @@ Outcome WidgetHand::ToggleCell(Grid& grid, int col) {
 }
 
 Outcome WidgetHand::CommitRow(Grid& grid) {
-    if (!grid.HasFocus())
-        return grid.CommitRow(); // a row is left from elsewhere without going to it
+    if (!grid.HasFocus()) { // a row is left from elsewhere without going to it
+        Outcome reachable = grid.Reachable();
+        return reachable ? grid.CommitRow() : reachable;
+    }
     return PressKey(grid, {controls::kKeyReturn, controls::kCtrlMask, 0});
 }
 
