@@ -95,6 +95,12 @@ std::shared_ptr<database::Database> OpenWages() {
     return config::DbEngine().OpenDatabase(config::GetWageFileName());
 }
 
+bool CanOnlyBeRead() {
+    bool readOnly = false;
+    common::IgnoreErrors([&] { readOnly = OpenWages()->ReadOnly(); });
+    return readOnly;
+}
+
 void CopyRow(const QYxArray& from, long row, QYxArray& to, long toRow) {
     for (long column = 0; column <= std::min(from.UpperBound(2), to.UpperBound(2)); ++column)
         to(toRow, column) = from(row, column);
@@ -203,8 +209,11 @@ void SelectionLists::RefreshMaster() {
 }
 
 bool SelectionLists::SaveSelections(int listNumber, std::int32_t occupationID) {
-    if (!Selected_)
-        return true;
+    // Who only looks into a book that cannot be written is told of no failure.
+    return !Selected_ || (!unsaved_ && CanOnlyBeRead()) || WriteSelected(listNumber, occupationID);
+}
+
+bool SelectionLists::WriteSelected(int listNumber, std::int32_t occupationID) {
     bool cleared = false;
     const bool done = common::Trap("SaveSelections", [&] {
         tgrd_selected_.Update();
@@ -267,7 +276,7 @@ void SelectionLists::AddToSelected(std::int32_t occupationID, int listNumber, co
             CopyRow(*Master_, firstRow + row, *Selected_, added + row);
         grid.Refresh();
         grid.ReBind();
-        if (!SaveSelections(listNumber, occupationID)) {
+        if (!WriteSelected(listNumber, occupationID)) {
             // Neither list changes then.
             Selected_->DeleteRows(added, rowCount);
             grid.ReBind();

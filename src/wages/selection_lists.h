@@ -51,6 +51,7 @@ public:
     void ReleaseSelectionArrays();
 
 private:
+    bool WriteSelected(int listNumber, std::int32_t occupationID); // there is a selected list
     void RefreshData(int columns, const std::string& sql, bool isSelected);
     void SetColumns(int listNumber);
 

@@ -166,4 +166,23 @@ TEST_F(ListsByHandTest, WhileAnotherProgramWritesNothingIsLost) {
     EXPECT_EQ(reports_->reports.size(), 3U);
 }
 
+TEST_F(ListsByHandTest, ABookThatCanOnlyBeReadIsLookedIntoInSilence) {
+    const std::string file = (root_ / "documents") + "/data/Wage32.mdb";
+    auto& com_award = static_cast<controls::ComboBox&>(*form_.Find("com_award"));
+    std::filesystem::permissions(file, std::filesystem::perms::owner_read);
+    com_award.Choose(0);
+    page_->SaveSelections();
+    EXPECT_TRUE(reports_->reports.empty());
+    master_->DoublePress();
+    EXPECT_EQ(Lists(), "ABC|DE");
+    selected_->DropRow(*selected_, 0, 3);
+    com_award.Choose(0);
+    EXPECT_EQ(Lists(), "BCA|DE") << "a move is not given up";
+    ASSERT_GE(reports_->reports.size(), 2U);
+    for (const auto& report : reports_->reports)
+        EXPECT_EQ(report.number, database::kErrReadOnly) << report.description;
+    std::filesystem::permissions(file,
+                                 std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+}
+
 } // namespace quillary::wages
