@@ -29,10 +29,7 @@ Esct::Esct(common::Screen& screen, controls::Panel& panel)
     LvBAddESCT.Caption = "&Add ESCT";
     LvBDeleteESCT.Caption = "&Delete ESCT";
 
-    LvBAddESCT.Click = [this] {
-        tgrd_ESCT.AllowAddNew = true;
-        tgrd_ESCT.GoToNewRow();
-    };
+    LvBAddESCT.Click = [this] { LvBAddESCT_Click(); };
     tgrd_ESCT.AfterInsert = [this] { tgrd_ESCT.AllowAddNew = false; }; // one row at a time
     LvBDeleteESCT.Click = [this] { LvBDeleteESCT_Click(); };
 }
@@ -41,6 +38,20 @@ void Esct::SetUp() {
     dat_ESCT.DatabaseName = config::GetWageFileName();
     dat_ESCT.RecordSource = "Select distinctrow * from ESCT ";
     dat_ESCT.Refresh();
+}
+
+void Esct::LvBAddESCT_Click() {
+    // A table that could not be opened when the page was shown is tried again.
+    if (!dat_ESCT.HasRecordset()) {
+        try {
+            SetUp();
+        } catch (const runtime::RunTimeError& error) {
+            controls::ShowControlMessage(error.Description());
+            return;
+        }
+    }
+    tgrd_ESCT.AllowAddNew = true;
+    tgrd_ESCT.GoToNewRow();
 }
 
 void Esct::LvBDeleteESCT_Click() {

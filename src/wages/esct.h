@@ -22,6 +22,7 @@ public:
     void SetUp();
 
 private:
+    void LvBAddESCT_Click();
     void LvBDeleteESCT_Click();
 };
 
