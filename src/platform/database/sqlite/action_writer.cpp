@@ -376,7 +376,9 @@ Action WriteDelete(Context& context, const jet_sql::Delete& statement) {
     JoinPlan joins = WriteFrom(context, scope, statement.from, statement.file, false);
     const int target = DeleteTarget(context, scope, statement);
     const Source& source = scope.sources[static_cast<std::size_t>(target)];
-    if (source.table == nullptr || !source.hasRowId) {
+    const bool grouped = std::any_of(scope.sources.begin(), scope.sources.end(),
+                                     [](const Source& each) { return each.grouped; });
+    if (source.table == nullptr || !source.hasRowId || grouped) {
         Raise(3086, "Could not delete from specified tables.");
     }
     if (statement.where) {
