@@ -90,6 +90,7 @@ int TableBuilder::RequireField(std::string_view name) const {
 
 std::vector<std::string> TableBuilder::ExactNames(const std::vector<std::string>& fields) const {
     std::vector<std::string> result;
+    result.reserve(fields.size());
     for (const auto& name : fields) {
         result.push_back(table_.def.fields[static_cast<std::size_t>(RequireField(name))].name);
     }
