@@ -34,7 +34,7 @@ configure_and_build() {
         if [ "$1" = -- ]; then shift; options=("$@"); break; fi
         targets+=("$1"); shift
     done
-    cmake -G Ninja -S "$root" -B "$folder" -DCMAKE_CXX_COMPILER_LAUNCHER=ccache "${options[@]}" > "$folder.configure.log" 2>&1 ||
-        { tail -30 "$folder.configure.log"; return 1; }
+    cmake -G Ninja -S "$root" -B "$folder" -DCMAKE_CXX_COMPILER_LAUNCHER=ccache "${options[@]}" > "$folder/configure.log" 2>&1 ||
+        { tail -30 "$folder/configure.log"; return 1; }
     ninja -C "$folder" "${targets[@]}"
 }

@@ -213,16 +213,20 @@ Currency CCur(const Variant& value) {
         Checked(status, 0);
         return result;
     }
-    // Whole part and fraction by themselves: their product with 10,000 together has more digits than a
-    // double.
     const double number = CDbl(value);
+    const double scaled = number * 10000.0;
     constexpr double kLimit = 9223372036854775808.0;
-    if (!(number * 10000.0 >= -kLimit && number * 10000.0 < kLimit)) {
+    if (!(scaled >= -kLimit && scaled < kLimit)) {
         Raise(kErrOverflow);
     }
-    const double whole = std::trunc(number);
-    result.scaled = static_cast<std::int64_t>(whole) * 10000 +
-                    static_cast<std::int64_t>(RoundHalfEven((number - whole) * 10000.0));
+    constexpr double kExact = 4503599627370496.0; // beyond it the product has no place for a fraction
+    if (std::abs(scaled) < kExact) {
+        result.scaled = static_cast<std::int64_t>(RoundHalfEven(scaled));
+    } else {
+        const double whole = std::trunc(number);
+        result.scaled = static_cast<std::int64_t>(whole) * 10000 +
+                        static_cast<std::int64_t>(RoundHalfEven((number - whole) * 10000.0));
+    }
     return result;
 }
 
