@@ -6,10 +6,9 @@
 namespace quillary::shell {
 
 // The stock tag tool, the one program of the suite that is started from here. It is held by its process: its
-// handle stands for whatever window it has when it is used, also one that comes late or is made anew. Where
-// the desktop lets no program raise another's window, bringing it forward is passed over; where it lets none
-// close it, the tool is asked to end. Its windows are known by that
-// process, so the caption in gLaunchTarget is compared with none of them.
+// handle stands for whatever window it has when it is used, also one that comes late or is made anew, so the
+// caption in gLaunchTarget is compared with none of them. Where the desktop lets no program raise another's
+// window, bringing it forward is passed over; where it lets none close it, the tool is asked to end.
 class StockTagTool {
 public:
     // Starts the tool, or brings it forward while it runs. A missing program is passed over in silence.
